@@ -1,0 +1,10 @@
+// Host stand-in for <android/binder_manager.h>: one in-process service registry.
+#pragma once
+
+#include <android/binder_ibinder.h>
+#include <android/binder_status.h>
+
+// Registers binder under instance; the registry keeps a strong reference.
+binder_exception_t AServiceManager_addService(AIBinder* binder, const char* instance);
+// Returns the registered binder with one strong reference for the caller, or null. Never waits.
+AIBinder* AServiceManager_checkService(const char* instance);

@@ -1,0 +1,446 @@
+// Feature dispatch with its time interval, the shared-memory crop export, the panel APL reading
+// and the panel loading estimate.
+#define LOG_TAG "CwbService"
+#define ATRACE_TAG ATRACE_TAG_GRAPHICS
+
+#include <IQService.h>
+#include <binder/Parcel.h>
+#include <fcntl.h>
+#include <log/log.h>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <utils/Timers.h>
+#include <utils/Trace.h>
+
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <sstream>
+#include <thread>
+
+#include "CwbService.h"
+
+namespace aidl::vendor::zarel::hardware::cwb::implementation {
+
+::android::sp<qService::IQService> getBinder();
+
+namespace {
+
+constexpr int32_t CWB_RGB_VALUE = 1;
+constexpr int32_t CWB_LUMAS_VALUE = 2;
+constexpr int32_t CWB_RGB_VALUE_SEC = 3;
+constexpr int32_t CWB_LEGACY_VALUE = 2;
+constexpr int32_t CWB_AI_VALUE = 3;
+constexpr int32_t CWB_AI_BUFFER_VALUE = 5;
+constexpr int32_t kLoadingOne = 100000000;
+constexpr uint32_t kQServiceUirState = 303;
+constexpr uint32_t kQServicePanelNit = 304;
+constexpr const char* kAplPath = "/sys/kernel/zarel_display/panel_apl_value";
+constexpr size_t kAplTextSize = 128;
+constexpr int kAplAttempts = 5;
+constexpr uint32_t kRecordMarker = 0xDEADBEEF;
+
+void appendTime(std::vector<int32_t>* values, int64_t time) {
+    values->push_back(static_cast<int32_t>(static_cast<uint64_t>(time) >> 32));
+    values->push_back(static_cast<int32_t>(static_cast<uint64_t>(time) & 0xFFFFFFFFu));
+}
+
+}  // namespace
+
+// ---- Feature dispatcher ----
+
+ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
+                                           std::vector<int32_t>* values, Error* _aidl_return) {
+    if (featureId < 1 || featureId > 14) {
+        ALOGE("%s error ID = %d", "getCwbValue", featureId);
+        *_aidl_return = Error::INVALID_ARGUMENT;
+        return ndk::ScopedAStatus::ok();
+    }
+    values->clear();
+    auto rgbStep = [&]() {
+        Rgb rgb;
+        Error word = Error::NONE;
+        getRGBValue(rect, &rgb, &word);
+        const uint32_t w = static_cast<uint32_t>(word);
+        *_aidl_return = static_cast<Error>(w & 0xFFFF);
+        values->push_back(rgb.r);
+        values->push_back(rgb.g);
+        values->push_back(rgb.b);
+        values->push_back(static_cast<int32_t>(w >> 16));
+        if (mDebugLog) {
+            ALOGE("rgb:[%d %d %d], rgb_state = %d, *_aidl_return:%d", (*values)[0], (*values)[1],
+                  (*values)[2], static_cast<int>(w >> 16), static_cast<int>(*_aidl_return));
+        }
+    };
+    switch (featureId) {
+        case CWB_RGB_VALUE:
+            mDisplayId = 0;
+            rgbStep();
+            break;
+        case CWB_LUMAS_VALUE: {
+            ALOGI("MORVIK_AI::CWB_LUMAS_VALUE::in_featureId=%d", featureId);
+            std::vector<float> lumas;
+            getLumasValue(rect, &lumas, _aidl_return);
+            const float luma = lumas.empty() ? 0.0f : lumas[0];
+            values->push_back(static_cast<int32_t>(luma * 10000.0f));
+            if (mDebugLog) {
+                ALOGI("lumas:%d, _aidl_return = %d", (*values)[0], static_cast<int>(*_aidl_return));
+            }
+            break;
+        }
+        case CWB_RGB_VALUE_SEC:
+            ALOGI("MORVIK_AI::CWB_RGB_VALUE_SEC::in_featureId=%d", featureId);
+            if (mDisplayIdSec == -1) {
+                ALOGE("%s error ID = %d", "getCwbValue", -1);
+                *_aidl_return = Error::INVALID_ARGUMENT;
+                return ndk::ScopedAStatus::ok();
+            }
+            mDisplayId = mDisplayIdSec;
+            rgbStep();
+            break;
+        default:
+            ALOGE("%s default, no choice!", "getCwbValue");
+            break;
+    }
+    if (values->empty()) {
+        ALOGE("getCwbValue failed FeatureId = %d, _aidl_return = %d", featureId,
+              static_cast<int>(*_aidl_return));
+        return ndk::ScopedAStatus::ok();
+    }
+
+    int loading = kLoadingOne;
+    int64_t starttime = 0;
+    {
+        ATRACE_NAME("starttime");
+        std::lock_guard<std::mutex> lock(mCwbMutex);
+        starttime = mLastCwbDoneTime;
+    }
+    {
+        std::unique_lock<std::mutex> lock(mLayerChangeMutex);
+        const int32_t changes = mInvalidCacheCount;
+        if (mDebugLog) ALOGI("getCwbValue mInvalidCacheCount = %d\n", changes);
+        if (changes >= 2) {
+            if (mDebugLog) ALOGI("LayerChange mInvalidCacheCount = %d\n", changes);
+        } else {
+            // One wait, no predicate: the next layer change (or the bound) ends it.
+            const auto start = std::chrono::steady_clock::now();
+            mLayerChangeCond.wait_for(lock, std::chrono::milliseconds(50));
+            if (std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(50) &&
+                mDebugLog) {
+                ALOGI("WaitForLayerChange timeout\n");
+            }
+        }
+    }
+    int64_t endtime = 0;
+    {
+        ATRACE_NAME("endtime");
+        endtime = systemTime(SYSTEM_TIME_BOOTTIME);
+        DisplayAttributes attributes{};
+        if (activeAttributes(mDisplayId, &attributes)) {
+            const int64_t vsync = attributes.vsyncPeriod;
+            if (endtime - starttime < vsync) starttime = endtime - vsync;
+        }
+        if (mDebugLog) {
+            ALOGI("getCwbValue starttime = %lld, endtime = %lld, diff = %lld",
+                  static_cast<long long>(starttime), static_cast<long long>(endtime),
+                  static_cast<long long>(endtime - starttime));
+        }
+        if (mAplReadSupport) getDisplayPanelLoading(&loading);
+    }
+    appendTime(values, starttime);
+    appendTime(values, endtime);
+    values->push_back(loading);
+    return ndk::ScopedAStatus::ok();
+}
+
+// ---- Panel APL and loading ----
+
+int CwbService::getDisplayPanelAplValue(std::vector<unsigned int>& values) {
+    char text[kAplTextSize + 1] = {};
+    values.clear();
+    int bytes = -1;
+    const int fd = open(kAplPath, O_RDONLY);
+    if (fd < 0) {
+        ALOGE("failed to open %s, errno=%d", kAplPath, errno);
+    } else {
+        const ssize_t n = read(fd, text, kAplTextSize);
+        if (n <= 0) {
+            ALOGE("failed to read %s, errno=%d", kAplPath, errno);
+        } else {
+            bytes = static_cast<int>(n);
+        }
+        close(fd);
+    }
+    if (bytes < 0) {
+        ALOGE("%s error ret = %d", "getDisplayPanelAplValue", -1);
+        return -1;
+    }
+    // The zero bytes after the text end the parse like any non-hexadecimal character.
+    std::istringstream stream(std::string(text, kAplTextSize));
+    unsigned int value = 0;
+    while (stream >> std::hex >> value) values.push_back(value);
+    if (mDebugLog) {
+        for (size_t i = 0; i < values.size(); ++i) {
+            ALOGE("%s value[%zu]= [%x]", "getDisplayPanelAplValue", i, values[i]);
+        }
+    }
+    return bytes;
+}
+
+int32_t CwbService::sendQServiceQuery(uint32_t command) {
+    ::android::sp<qService::IQService> binder = getBinder();
+    ::android::Parcel in;
+    ::android::Parcel out;
+    in.writeInt32(mDisplayId);
+    if (binder != nullptr) binder->dispatch(command, &in, &out);
+    out.setDataPosition(0);
+    return out.readInt32();
+}
+
+ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
+    std::vector<unsigned int> apl = {0, 0, 0};
+    int32_t panelApl = 0;
+    bool readFailed = false;
+    if (mRgbCacheHit) {
+        panelApl = mPanelApl;
+    } else {
+        bool ok = false;
+        for (int attempt = 0; attempt < kAplAttempts && !ok; ++attempt) {
+            ok = getDisplayPanelAplValue(apl) >= 1 && !apl.empty();
+            if (!ok) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        const unsigned int high = apl.size() > 0 ? apl[0] : 0;
+        const unsigned int low = apl.size() > 1 ? apl[1] : 0;
+        panelApl = static_cast<int32_t>(((high << 8) | low) & 0xFFF);
+        mPanelApl = panelApl;
+        readFailed = !ok;
+    }
+    const int32_t uirState = sendQServiceQuery(kQServiceUirState);
+    const int32_t panelNit = sendQServiceQuery(kQServicePanelNit);
+    if (readFailed) {
+        *loading = kLoadingOne;
+        ALOGE("Panel not support apl read or getDisplayPanelAplValue timeout %dms.\n", 10);
+        return ndk::ScopedAStatus::ok();
+    }
+    const int32_t renderIntent = mRenderIntentMain;
+    int32_t result = kLoadingOne;
+    if (uirState != 0 && panelNit >= 1250) {
+        const int32_t t = (250000 / panelNit) * 1000000;
+        result = t + panelApl * ((kLoadingOne - t) / 4095);
+    } else if (uirState != 0 && panelNit >= 800) {
+        result = 200000000 - 24420 * panelApl;
+    } else if (renderIntent == 307 || renderIntent == 308) {
+        result = 122000000 - 5372 * panelApl;
+    } else if (renderIntent == 303 || renderIntent == 304) {
+        result = 105000000 - 1221 * panelApl;
+    }
+    *loading = result;
+    if (mDebugLog) {
+        ALOGI("PanelLoading[%d] RenderIntent[%d] UirState[%d] PanelNit[%d]\n", result, renderIntent,
+              uirState, panelNit);
+    }
+    return ndk::ScopedAStatus::ok();
+}
+
+// ---- Shared-memory crop export ----
+
+ndk::ScopedAStatus CwbService::initializeSharedMemory(int32_t /*id*/, int32_t size,
+                                                      const ndk::ScopedFileDescriptor& fd,
+                                                      Error* _aidl_return) {
+    std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
+    ALOGE("MORVIK_AI::initializeSharedMemory Initial shared memory");
+    const int descriptor = fd.get();
+    if (descriptor == -1) {
+        ALOGE("MORVIK_AI::Invalid in_fd received");
+        return ndk::ScopedAStatus::fromServiceSpecificError(-1);
+    }
+    if (mSharedMemory != nullptr && descriptor == mSharedMemoryFd) {
+        *_aidl_return = Error::NONE;
+        return ndk::ScopedAStatus::ok();
+    }
+    if (mSharedMemory != nullptr) {
+        ALOGE("MORVIK_AI::Release the old mapping");
+        if (munmap(mSharedMemory, mSharedMemoryLength) != 0) {
+            ALOGW("MORVIK_AI::munmap failed for fd=%d", mSharedMemoryFd);
+        }
+        mSharedMemory = nullptr;
+        mSharedMemoryLength = 0;
+    }
+    ALOGE("MORVIK_AI::CwbService Create shared memory");
+    void* address = size > 0 ? mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE,
+                                    MAP_SHARED, descriptor, 0)
+                             : MAP_FAILED;
+    if (size <= 0) errno = EINVAL;
+    if (address == MAP_FAILED) {
+        mSharedMemory = nullptr;
+        mSharedMemoryFd = -1;
+        mSharedMemoryLength = 0;
+        ALOGE("MORVIK_AI::mmap failed for fd=%d: %s", descriptor, strerror(errno));
+        return ndk::ScopedAStatus::fromServiceSpecificError(-1);
+    }
+    mSharedMemory = address;
+    mSharedMemoryFd = descriptor;
+    mSharedMemoryLength = static_cast<size_t>(size);
+    ALOGI("MORVIK_AI::mmap success at %p for fd=%d", address, descriptor);
+    *_aidl_return = Error::NONE;
+    return ndk::ScopedAStatus::ok();
+}
+
+ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect,
+                                             const ndk::ScopedFileDescriptor& /*fd*/,
+                                             int32_t bufferSize, std::vector<int32_t>* values,
+                                             Error* _aidl_return) {
+    std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
+    if (mDebugLog) ALOGD("MORVIK_AI::CwbService::getSharedData-in_FeatureId = %d", featureId);
+    Rect checked{};
+    if (!checkInputRect(rect, checked)) {
+        ALOGE("Invalid input rectangle");
+        *_aidl_return = Error::INVALID_ARGUMENT;
+        return ndk::ScopedAStatus::ok();
+    }
+    {
+        std::lock_guard<std::mutex> aiLock(mAiRectMutex);
+        mAiRect = checked;
+    }
+    const bool reached = mScreenCountReached;
+    values->push_back(reached ? 1 : 0);
+    values->push_back(checked.right - checked.left);
+    values->push_back(checked.bottom - checked.top);
+    DisplayAttributes attributes{};
+    activeAttributes(mDisplayId, &attributes);
+    values->push_back(attributes.xRes);
+    values->push_back(attributes.yRes);
+
+    if (reached) {
+        if (featureId == CWB_LEGACY_VALUE || featureId == CWB_AI_VALUE) mLightModeID = featureId;
+    } else if (featureId == CWB_LEGACY_VALUE || featureId == CWB_AI_VALUE) {
+        if (mLightModeID != featureId) {
+            ALOGI(featureId == CWB_LEGACY_VALUE
+                          ? "MORVIK_AI::CwbService::mBufferCacheValid CWB_LEGACY_VALUE updated to "
+                            "%d"
+                          : "MORVIK_AI::CwbService::mBufferCacheValid CWB_AI_VALUE updated to %d",
+                  mBufferCacheValid.load());
+            mBufferCacheValid = false;
+        }
+        mLightModeID = featureId;
+    } else if (featureId == CWB_AI_BUFFER_VALUE) {
+        const int ret = getAiBufferFromCwb(0, rect, bufferSize, nullptr);
+        if (ret == -1) {
+            ALOGE("MORVIK_AI::CwbService::Error ret=%d", ret);
+            *_aidl_return = Error::INVALID_ARGUMENT;
+            return ndk::ScopedAStatus::fromServiceSpecificError(-1);
+        }
+    }
+    *_aidl_return = Error::NONE;
+    return ndk::ScopedAStatus::ok();
+}
+
+int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
+                                   std::vector<int>* /*values*/) {
+    if (mSharedMemory == nullptr) {
+        ALOGE("MORVIK_AI::The shared space has not been initialized yet");
+        return -1;
+    }
+    // The capture buffer must not be replaced or freed while the crop reads it.
+    std::lock_guard<TimedMutex> requestLock(mRequestLock);
+    const CwbBufferInfo& info = mCwbBufferHandle;
+    if (info.base == nullptr) {
+        ALOGE("MORVIK_AI::The screenshot data is empty mCwbBufferHandle.base%d", 0);
+        return -1;
+    }
+    const int64_t timestamp = systemTime(SYSTEM_TIME_BOOTTIME);
+    auto* region = static_cast<uint8_t*>(mSharedMemory);
+    if (mSharedMemoryLength >= sizeof(timestamp)) memcpy(region, &timestamp, sizeof(timestamp));
+    ++mCurrentScreenCount;
+    // Counted attempts can reach the limit without a completed copy; test after each of them.
+    auto countLimit = [this]() REQUIRES(mSharedMemoryMutex) {
+        if (mCurrentScreenCount < mScreenCountLimit) return;
+        if (mDebugLog) ALOGE("MORVIK_AI::mCurrentScreenCount=%d", mCurrentScreenCount);
+        mCurrentScreenCount = 0;
+        mScreenCountReached = true;
+    };
+
+    const int32_t W = rect.right - rect.left;
+    const int32_t H = rect.bottom - rect.top;
+    const int64_t crop = static_cast<int64_t>(H) * W * 3;
+    const int64_t total = crop + 12;
+    if (mDebugLog) {
+        ALOGD("MORVIK_AI::CwbService::BufferHandle[unaligned_width=%d, height=%d, width=%d] || "
+              "Rect[right=%d, left=%d, bottom=%d, top=%d]",
+              static_cast<int>(info.unaligned_width), static_cast<int>(info.height),
+              static_cast<int>(info.width), rect.right, rect.left, rect.bottom, rect.top);
+    }
+    const bool inside =
+            rect.left >= 0 && rect.top >= 0 && rect.left < rect.right && rect.top < rect.bottom &&
+            static_cast<uint64_t>(rect.right) <= info.unaligned_width &&
+            static_cast<uint64_t>(rect.bottom) <= info.height &&
+            info.width >= info.unaligned_width && info.width * info.height * 3 <= info.size;
+    if (!inside) {
+        ALOGE("MORVIK_AI::crop [%d,%d,%d,%d] lies outside the %dx%d capture buffer", rect.left,
+              rect.top, rect.right, rect.bottom, static_cast<int>(info.unaligned_width),
+              static_cast<int>(info.height));
+        countLimit();
+        return -1;
+    }
+    if (bufferSize < 0 || total > bufferSize ||
+        static_cast<uint64_t>(total) > mSharedMemoryLength) {
+        ALOGE("MORVIK_AI::total data size %zu (crop %zu + timestamp %zu + id %zu) > buffer size %d",
+              static_cast<size_t>(total), static_cast<size_t>(crop), sizeof(int64_t),
+              sizeof(uint32_t), bufferSize);
+        countLimit();
+        return -1;
+    }
+    const auto* base = static_cast<const uint8_t*>(info.base);
+    const size_t rowBytes = static_cast<size_t>(W) * 3;
+    for (int32_t y = 0; y < H; ++y) {
+        const size_t source = ((static_cast<size_t>(rect.top) + y) * info.width +
+                               static_cast<size_t>(rect.left)) *
+                              3;
+        memcpy(region + 8 + static_cast<size_t>(y) * rowBytes, base + source, rowBytes);
+    }
+    memcpy(region + 8 + crop, &kRecordMarker, sizeof(kRecordMarker));
+    if (mDebugLog) ALOGD("MORVIK_AI::CwbService::display The screen is sliding - Copy screenshot");
+    msync(region, static_cast<size_t>(total), MS_SYNC);
+    countLimit();
+    return 1;
+}
+
+ndk::ScopedAStatus CwbService::getScreenResolution(int32_t /*id*/, std::vector<int32_t>* values,
+                                                   Error* _aidl_return) {
+    int32_t height = 0;
+    int32_t width = 0;
+    {
+        std::lock_guard<TimedMutex> lock(mRequestLock);
+        // Before the first capture there is no buffer: report 0 x 0.
+        if (mCwbBufferHandle.base != nullptr) {
+            height = static_cast<int32_t>(mCwbBufferHandle.height);
+            width = static_cast<int32_t>(mCwbBufferHandle.width);
+        }
+    }
+    values->push_back(height);
+    values->push_back(width);
+    ALOGI("MORVIK_AI::CwbService::getScreenResolution resolution height=%d || width=%d", height,
+          width);
+    *_aidl_return = Error::NONE;
+    return ndk::ScopedAStatus::ok();
+}
+
+ndk::ScopedAStatus CwbService::releaseSharedMemory(int32_t /*id*/, int32_t /*flags*/,
+                                                   Error* _aidl_return) {
+    std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
+    releaseSharedMemoryLocked();
+    *_aidl_return = Error::NONE;
+    return ndk::ScopedAStatus::ok();
+}
+
+int CwbService::releaseSharedMemoryLocked() {
+    ALOGE("MORVIK_AI::CwbService Release shared memory");
+    if (mSharedMemory == nullptr) return 0;
+    const int result = munmap(mSharedMemory, mSharedMemoryLength);
+    mSharedMemory = nullptr;
+    mSharedMemoryFd = -1;
+    mSharedMemoryLength = 0;
+    return result;
+}
+
+}  // namespace aidl::vendor::zarel::hardware::cwb::implementation

@@ -1,0 +1,248 @@
+#pragma once
+
+#include <aidl/vendor/qti/hardware/display/config/Attributes.h>
+#include <aidl/vendor/qti/hardware/display/config/IDisplayConfig.h>
+#include <aidl/vendor/zarel/hardware/cwb/BnCwbService.h>
+#include <aidl/vendor/zarel/hardware/cwb/Error.h>
+#include <aidl/vendor/zarel/hardware/cwb/Histogram.h>
+#include <aidl/vendor/zarel/hardware/cwb/ICwbCallback.h>
+#include <aidl/vendor/zarel/hardware/cwb/Rect.h>
+#include <aidl/vendor/zarel/hardware/cwb/Rgb.h>
+#include <android-base/thread_annotations.h>
+#include <config/client_interface.h>
+#include <cutils/native_handle.h>
+#include <utils/StrongPointer.h>
+
+#include <array>
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ColorTempHelper.h"
+#include "GrallocHelper.h"
+#include "TimedMutex.h"
+
+namespace aidl::vendor::zarel::hardware::cwb::implementation {
+
+// Capture mode: 2 legacy (the writeback covers the analysed rectangle), 3 AI (it covers the
+// rectangle last given to getSharedData).
+extern std::atomic<int32_t> mLightModeID;
+
+// Record of one mapped capture buffer; pixels RGB_888, rows `width` pixels apart.
+struct CwbBufferInfo {
+    void* base = nullptr;
+    int32_t format = 0;
+    uint64_t size = 0;
+    uint64_t width = 0;
+    uint64_t unaligned_width = 0;
+    uint64_t height = 0;
+};
+
+// Receives writeback completions from the display-config callback object.
+class CwbBufferDoneListener {
+  public:
+    virtual void notifyCWBBufferDone(int error) = 0;
+
+  protected:
+    virtual ~CwbBufferDoneListener() = default;
+};
+
+// Base of the display-config callback object; the service detaches itself on destruction so that
+// a completion arriving late from the vendor never reaches a destroyed service.
+class CwbCallbackBase {
+  public:
+    virtual ~CwbCallbackBase() = default;
+    virtual void detach() = 0;
+    virtual std::shared_ptr<::aidl::vendor::qti::hardware::display::config::IDisplayConfigCallback>
+    asCallback() = 0;
+};
+
+class CwbService : public BnCwbService,
+                   public ::DisplayConfig::ConfigCallback,
+                   public CwbBufferDoneListener {
+  public:
+    using DisplayAttributes = ::aidl::vendor::qti::hardware::display::config::Attributes;
+    using IDisplayConfig = ::aidl::vendor::qti::hardware::display::config::IDisplayConfig;
+
+    CwbService();
+    ~CwbService() override;
+
+    static std::shared_ptr<CwbService> initialize();
+    int release();
+    uint64_t generateCookie();
+
+    // ICwbService
+    ndk::ScopedAStatus getRGBValue(const Rect& rect, Rgb* rgb, Error* _aidl_return) override;
+    ndk::ScopedAStatus getLumasValue(const Rect& rect, std::vector<float>* lumas,
+                                     Error* _aidl_return) override;
+    ndk::ScopedAStatus getHistogramValue(const Rect& rect, Histogram* histogram,
+                                         Error* _aidl_return) override;
+    ndk::ScopedAStatus getCwbPostProcessStatus(bool* _aidl_return) override;
+    ndk::ScopedAStatus setCwbPostProcessStatus(bool status, Error* _aidl_return) override;
+    ndk::ScopedAStatus registerCallback(const std::shared_ptr<ICwbCallback>& callback,
+                                        Error* _aidl_return) override;
+    ndk::ScopedAStatus unregisterCallback(const std::shared_ptr<ICwbCallback>& callback,
+                                          Error* _aidl_return) override;
+    ndk::ScopedAStatus enable(bool* _aidl_return) override;
+    ndk::ScopedAStatus disable(bool* _aidl_return) override;
+    ndk::ScopedAStatus setDebug(const std::vector<int32_t>& debug, Error* _aidl_return) override;
+    ndk::ScopedAStatus getCwbValue(int32_t featureId, const Rect& rect,
+                                   std::vector<int32_t>* values, Error* _aidl_return) override;
+    ndk::ScopedAStatus reserved(int32_t arg0, int32_t arg1) override;
+    ndk::ScopedAStatus initializeSharedMemory(int32_t id, int32_t size,
+                                              const ndk::ScopedFileDescriptor& fd,
+                                              Error* _aidl_return) override;
+    ndk::ScopedAStatus getSharedData(int32_t featureId, const Rect& rect,
+                                     const ndk::ScopedFileDescriptor& fd, int32_t bufferSize,
+                                     std::vector<int32_t>* values, Error* _aidl_return) override;
+    ndk::ScopedAStatus getScreenResolution(int32_t id, std::vector<int32_t>* values,
+                                           Error* _aidl_return) override;
+    ndk::ScopedAStatus releaseSharedMemory(int32_t id, int32_t flags, Error* _aidl_return) override;
+
+    // Writeback completions: the AIDL callback object and the vendor's legacy callback.
+    virtual void notifyCWBBufferDone(int error) override;
+    virtual void NotifyCWBBufferDone(int error, const native_handle_t* buffer) override;
+    virtual ndk::ScopedAStatus getDisplayPanelLoading(int* loading);
+
+    // Host notifications, forwarded by CwbProxy.
+    void updateCwbStatus(bool status);
+    void invalidCache() EXCLUDES(mLayerChangeMutex);
+    void setPowerMode(uint64_t display, int mode);
+    void notifyConfigChange(uint64_t display, uint32_t config);
+    void updateAvailableConfigs() EXCLUDES(mConfigMutex);
+    void notifyColorModeChange(uint64_t display, int mode, int intent);
+    void aodLayerExist(bool exist);
+    void fodLayerExist(bool exist);
+
+    // Service operations exported for the host.
+    void notifyCwbStatus() EXCLUDES(mCallbackMutex);
+    void disablePostProcessed(bool disable);
+    void clearCache() EXCLUDES(mRequestLock);
+    void getResolution(uint32_t& width, uint32_t& height);
+    bool getDisplayAidlConfig() EXCLUDES(mDisplayConfigMutex);
+    bool captureScreenAllowed() EXCLUDES(mCwbMutex);
+    bool checkInputRect(const Rect& in, Rect& out) EXCLUDES(mConfigMutex);
+    void prepareCwbBuffer() REQUIRES(mRequestLock);
+    void destroyCwbBuffer() REQUIRES(mRequestLock);
+    int setCWBOutputBuffer(Rect rect, bool postProcessed) REQUIRES(mRequestLock);
+    int setCWBOutputBufferSec(Rect rect, bool postProcessed) REQUIRES(mRequestLock);
+    bool waitDumpComplete() EXCLUDES(mCwbMutex);
+    void GetCwbWeightsPos(char* path, int* count, std::vector<int>& weights);
+    int getDisplayPanelAplValue(std::vector<unsigned int>& values);
+    void calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
+                       std::array<unsigned char, 3>& rgb, unsigned short& state)
+            REQUIRES(mRequestLock);
+    float calcPixelsLumas(void* buffer, unsigned int stride, Rect rect);
+    void calcPixelsHistogram(void* buffer, unsigned int stride, Rect rect, unsigned int (*bins)[3]);
+
+  private:
+    bool setupAvailableConfigs() REQUIRES(mConfigMutex);
+    void fillConfigsIfNeeded() EXCLUDES(mConfigMutex);
+    // Active (width, height, vsync) of a display selection; false for an unknown display, a
+    // list not read yet or an empty list.
+    bool activeAttributes(int32_t displayId, DisplayAttributes* out) const;
+    bool matchesMain(uint64_t display) const;
+    bool matchesSec(uint64_t display) const;
+    bool serviceStatus() const;
+    int writeback(bool secondary, Rect rect, bool postProcessed) REQUIRES(mRequestLock);
+    void emptyResultCaches() REQUIRES(mRequestLock);
+    // The capture buffer holds the whole rectangle at a sane pitch.
+    static bool rectInsideBuffer(const CwbBufferInfo& info, const Rect& rect);
+    int getAiBufferFromCwb(int id, const Rect& rect, int bufferSize, std::vector<int>* values)
+            REQUIRES(mSharedMemoryMutex) EXCLUDES(mRequestLock);
+    // Logs the release line and unmaps the client region if one is mapped; the munmap result.
+    int releaseSharedMemoryLocked() REQUIRES(mSharedMemoryMutex);
+    std::shared_ptr<IDisplayConfig> displayConfig() EXCLUDES(mDisplayConfigMutex);
+    int32_t sendQServiceQuery(uint32_t command);
+    Rect aiRect() const EXCLUDES(mAiRectMutex);
+
+    int32_t mSharedMemoryFd GUARDED_BY(mSharedMemoryMutex) = -1;
+    void* mSharedMemory GUARDED_BY(mSharedMemoryMutex) = nullptr;
+    size_t mSharedMemoryLength GUARDED_BY(mSharedMemoryMutex) = 0;
+    std::atomic<int32_t> mPanelApl{0};
+    std::atomic<bool> mRgbCacheHit{false};
+    bool mAplReadSupport = false;
+    TimedMutex mRequestLock;
+    std::atomic<bool> mDebugLog{false};
+    std::atomic<bool> mDump{false};
+    std::atomic<bool> mDisablePostProcessed{false};
+    std::mutex mDisplayConfigMutex;  // leaf: publishes the connection across threads
+    std::shared_ptr<IDisplayConfig> mDisplayConfigAidl GUARDED_BY(mDisplayConfigMutex);
+    bool mCwbDone GUARDED_BY(mCwbMutex) = false;
+    // The writeback request waiting for its completion, and what its completion said.
+    bool mCwbRequestPending GUARDED_BY(mCwbMutex) = false;
+    bool mCwbRequestCompleted GUARDED_BY(mCwbMutex) = false;
+    std::mutex mCwbMutex;
+    std::condition_variable mCwbCondition;
+    std::mutex mLayerChangeMutex;
+    std::condition_variable mLayerChangeCond;
+    ::android::sp<GrallocHelper> mGrallocHelper;
+    // Filled under mConfigMutex while mConfigInitialized is false, never changed afterwards;
+    // readers look at them only once mConfigInitialized is true.
+    std::vector<DisplayAttributes> mConfigs;
+    std::vector<DisplayAttributes> mConfigsSec;
+    std::atomic<uint32_t> mActiveConfig{0};
+    std::atomic<uint32_t> mActiveConfigSec{0};
+    std::atomic<bool> mPostProcess{false};
+    bool mRoiSupport = false;
+    bool mAodForbidden = false;
+    bool mFodForbidden = false;
+    std::atomic<int32_t> mDisplayId{0};
+    int32_t mDisplayIdMain = -1;
+    int32_t mDisplayIdSec = -1;
+    std::vector<int32_t> weightspos;
+    int32_t weightspos_count = 0;
+    std::vector<int32_t> weightspos_sec;
+    int32_t weightspos_count_sec = 0;
+    mutable std::mutex mAiRectMutex;  // leaf: mAiRect is always read and written whole
+    Rect mAiRect GUARDED_BY(mAiRectMutex);
+    uint64_t mCookie GUARDED_BY(mCallbackMutex) = 0;
+    std::mutex mCallbackMutex;
+    std::map<uint64_t, std::shared_ptr<ICwbCallback>> mCallbacks GUARDED_BY(mCallbackMutex);
+    std::atomic<bool> mCwbStatus{true};
+    std::atomic<bool> mCwbEnabled{true};
+    std::mutex mSharedMemoryMutex;
+    std::atomic<bool> mBufferCacheValid{false};
+    std::atomic<int32_t> mInvalidCacheCount{0};
+    std::atomic<bool> mScreenCountReached{false};
+    int32_t mCurrentScreenCount GUARDED_BY(mSharedMemoryMutex) = 0;
+    const int32_t mScreenCountLimit = 6;
+    int32_t mPowerMode GUARDED_BY(mRequestLock) = 0;
+    std::atomic<int32_t> mCachePowerMode{0};
+    std::atomic<int32_t> mPowerModeMain{0};
+    std::atomic<int32_t> mPowerModeSec{0};
+    int32_t mAodForbiddenCnt GUARDED_BY(mRequestLock) = 0;
+    std::atomic<int32_t> mColorModeMain{7};
+    std::atomic<int32_t> mColorModeSec{7};
+    std::atomic<int32_t> mRenderIntentMain{0};
+    std::atomic<int32_t> mRenderIntentSec{0};
+    std::atomic<bool> mAodLayerExist{false};
+    std::atomic<bool> mFodLayerExist{false};
+    std::map<Rect, std::pair<std::array<uint8_t, 3>, uint16_t>> mRgbCache GUARDED_BY(mRequestLock);
+    std::map<Rect, float> mLumaCache GUARDED_BY(mRequestLock);
+    std::map<Rect, Histogram> mHistogramCache GUARDED_BY(mRequestLock);
+    int64_t mLastCwbDoneTime GUARDED_BY(mCwbMutex) = 0;
+    // Driven only by calcPixelsRGB under mRequestLock; its mDebug switch is atomic.
+    ColorTempHelper mColorTempHelper;
+    std::atomic<bool> mConfigInitialized{false};
+    std::mutex mConfigMutex;
+    std::atomic<int32_t> mCwbRotate{0};
+    int32_t mCwbRotateMain = 0;
+    int32_t mCwbRotateSec = 0;
+    CwbBufferInfo mCwbBufferHandle GUARDED_BY(mRequestLock);
+    CwbBufferInfo mCwbBufferHandle_sec GUARDED_BY(mRequestLock);
+    native_handle const* mCwbNativeHandle GUARDED_BY(mRequestLock) = nullptr;
+    native_handle const* mCwbNativeHandle_sec GUARDED_BY(mRequestLock) = nullptr;
+    int64_t mLastCwbTime GUARDED_BY(mCwbMutex) = 0;
+    std::shared_ptr<CwbCallbackBase> mCwbCallback;
+
+    friend class CwbServiceTestPeer;
+};
+
+}  // namespace aidl::vendor::zarel::hardware::cwb::implementation

@@ -1,0 +1,466 @@
+// Frame analysis: RGB with classification, luma and histogram requests, their pixel passes and
+// the weight-positions file.
+#define LOG_TAG "CwbService"
+#define ATRACE_TAG ATRACE_TAG_GRAPHICS
+
+#include <log/log.h>
+#include <utils/Trace.h>
+
+#include <cerrno>
+#include <chrono>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "CwbService.h"
+#include "GammaTable.h"
+
+namespace aidl::vendor::zarel::hardware::cwb::implementation {
+
+namespace {
+
+constexpr auto kRequestLockTimeout = std::chrono::milliseconds(50);
+constexpr int kPowerOff = 0;
+constexpr int kPowerDoze = 1;
+constexpr int kPowerDozeSuspend = 3;
+constexpr int kAodCaptureLimit = 3;
+
+inline const uint8_t* pixelAt(const void* buffer, unsigned int stride, int x, int y) {
+    return static_cast<const uint8_t*>(buffer) +
+           3 * (static_cast<size_t>(x) + static_cast<size_t>(stride) * static_cast<size_t>(y));
+}
+
+// Base-10 int32 as strtol reads it (leading white space, sign, digits, rest ignored).
+bool toInt32(const std::string& text, int32_t* out) {
+    const char* begin = text.c_str();
+    char* end = nullptr;
+    errno = 0;
+    long value = std::strtol(begin, &end, 10);
+    if (end == begin || errno == ERANGE || value < INT32_MIN || value > INT32_MAX) return false;
+    *out = static_cast<int32_t>(value);
+    return true;
+}
+
+bool spreadWithin(const ColorRange& range, int limit) {
+    for (int c = 0; c < 3; ++c) {
+        if (range.max[c] - range.min[c] > limit) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+// ---- RGB ----
+
+ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _aidl_return) {
+    ATRACE_CALL();
+    const int32_t displayId = mDisplayId;
+    if (mDebugLog) {
+        ALOGD("getRGBValue [%d, %d, %d, %d] PowerMode[%d %d] DisplayId[%d]\n", rect.left, rect.top,
+              rect.right, rect.bottom, mPowerModeMain.load(), mPowerModeSec.load(), displayId);
+    }
+    std::array<unsigned char, 3> codes = {0, 0, 0};
+    unsigned short state = 0;
+    auto finish = [&](int32_t result) {
+        rgb->r = codes[0];
+        rgb->g = codes[1];
+        rgb->b = codes[2];
+        rgb->extra.clear();
+        *_aidl_return = static_cast<Error>(result);
+        return ndk::ScopedAStatus::ok();
+    };
+    if (!mCwbStatus || !mCwbEnabled) return finish(static_cast<int32_t>(Error::FAILED));
+    if (displayId < 0) {
+        ALOGE("No valid display ID specified");
+        return finish(static_cast<int32_t>(Error::FAILED));
+    }
+    Rect work{};
+    if (!checkInputRect(rect, work)) return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
+    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
+        ALOGI("%s: resource busy\n", "getRGBValue");
+        return finish(static_cast<int32_t>(Error::FAILED));
+    }
+    AdoptedLock lock(mRequestLock);
+
+    if (displayId == 0) {
+        mPowerMode = mPowerModeMain;
+    } else if (displayId == 3) {
+        mPowerMode = mPowerModeSec;
+    }
+    if (mBufferCacheValid || mPowerMode == kPowerDozeSuspend) {
+        auto it = mRgbCache.find(work);
+        if (it != mRgbCache.end()) {
+            codes = it->second.first;
+            state = it->second.second;
+            mRgbCacheHit = true;
+            if (mDebugLog) {
+                ALOGD("cache Screen RGB value: %d, %d, %d\n", codes[0], codes[1], codes[2]);
+            }
+            return finish(static_cast<int32_t>(state) << 16);
+        }
+    }
+    if (mDebugLog) {
+        ALOGD("mCachePowerMode %d, mPowerMode %d, mAodForbiddenCnt %d\n", mCachePowerMode.load(),
+              mPowerMode, mAodForbiddenCnt);
+    }
+    if (mPowerMode == kPowerDoze && !(mCachePowerMode == kPowerDoze && mBufferCacheValid)) {
+        mAodForbiddenCnt = 0;
+        if (mDebugLog) ALOGD("doze reset mAodForbiddenCnt %d", 0);
+    }
+    mCachePowerMode = mPowerMode;
+    if (mPowerMode == kPowerOff || mPowerMode == kPowerDozeSuspend ||
+        (mAodForbidden && mAodLayerExist && mAodForbiddenCnt >= kAodCaptureLimit)) {
+        if (mDebugLog) {
+            ALOGD("Screen power off and status: %d %d %d %d\n", mPowerMode, displayId,
+                  mAodForbidden, mAodLayerExist.load());
+        }
+        return finish(static_cast<int32_t>(Error::SCREEN_OFF));
+    }
+    if (!captureScreenAllowed()) return finish(static_cast<int32_t>(Error::FAILED));
+
+    int ret = 0;
+    if (displayId == 0) {
+        ret = setCWBOutputBuffer(work, mPostProcess);
+    } else if (displayId == 3) {
+        ret = setCWBOutputBufferSec(work, mPostProcess);
+    }
+    mRgbCacheHit = false;
+
+    const CwbBufferInfo* chosen = nullptr;
+    if (ret == 0) {
+        if (displayId == 0 && mCwbBufferHandle.base != nullptr) {
+            chosen = &mCwbBufferHandle;
+        } else if (displayId == 3 && mCwbBufferHandle_sec.base != nullptr) {
+            chosen = &mCwbBufferHandle_sec;
+        }
+    }
+    // The rectangle was checked against the configuration; the buffer must hold it too.
+    if (chosen != nullptr && !rectInsideBuffer(*chosen, work)) chosen = nullptr;
+    int32_t result = 0;
+    if (chosen == nullptr) {
+        if (mDebugLog) {
+            ALOGD("getRGBValue faild ret = %d, mCwbBufferHandle = %p, mCwbBufferHandle_sec = %p",
+                  ret, mCwbBufferHandle.base, mCwbBufferHandle_sec.base);
+        }
+        codes = {0, 0, 0};
+        result = static_cast<int32_t>(Error::FAILED);
+    } else {
+        calcPixelsRGB(chosen->base, static_cast<unsigned int>(chosen->width), work, codes, state);
+        if (mDebugLog) {
+            ALOGD("Screen RGB value: %d, %d, %d. state: %x\n", codes[0], codes[1], codes[2], state);
+        }
+        mRgbCache[work] = {codes, state};
+        result = static_cast<int32_t>(state) << 16;
+    }
+    if (mAodForbiddenCnt < kAodCaptureLimit) ++mAodForbiddenCnt;
+    return finish(result);
+}
+
+void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
+                               std::array<unsigned char, 3>& rgb, unsigned short& state) {
+    ATRACE_CALL();
+    ColorTempHelper& sampler = mColorTempHelper;
+    sampler.reset();
+    const int32_t displayId = mDisplayId;
+    const int32_t width = rect.right - rect.left;
+    const int32_t height = rect.bottom - rect.top;
+    const uint32_t pixelCount = static_cast<uint32_t>(width) * static_cast<uint32_t>(height);
+    const std::vector<int32_t>* weights = nullptr;
+    if (displayId == 3 && static_cast<uint32_t>(weightspos_count_sec) == pixelCount) {
+        weights = &weightspos_sec;
+    } else if (displayId == 0 && static_cast<uint32_t>(weightspos_count) == pixelCount) {
+        weights = &weightspos;
+    }
+    const bool needWeights = weights != nullptr && weights->size() >= pixelCount;
+    if (mDebugLog) {
+        ALOGI("mDisplayId = %d, weightspos_count = %d, weightspos_count_sec = %d, pixel_count = "
+              "%d, need_weights_calc = %u",
+              displayId, weightspos_count, weightspos_count_sec, static_cast<int>(pixelCount),
+              needWeights ? 1u : 0u);
+    }
+
+    double sum[3] = {0.0, 0.0, 0.0};
+    uint64_t count = 0;
+    if (!needWeights) {
+        for (int32_t y = rect.top; y < rect.bottom; y += 3) {
+            for (int32_t x = rect.left; x < rect.right; x += 3) {
+                const uint8_t* p = pixelAt(buffer, stride, x, y);
+                sampler.addSample(p[0], p[1], p[2]);
+                sum[0] += kGammaTable[p[0]];
+                sum[1] += kGammaTable[p[1]];
+                sum[2] += kGammaTable[p[2]];
+                ++count;
+            }
+        }
+    } else {
+        int32_t weightSum = 0;
+        const int32_t* w = weights->data();
+        for (int32_t y = rect.top; y < rect.bottom; ++y) {
+            const uint8_t* p = pixelAt(buffer, stride, rect.left, y);
+            for (int32_t x = rect.left; x < rect.right; ++x, p += 3, ++w) {
+                sampler.addSample(p[0], p[1], p[2]);
+                // Wraps like the 32-bit sum it is; never undefined.
+                weightSum = static_cast<int32_t>(static_cast<uint32_t>(weightSum) +
+                                                 static_cast<uint32_t>(*w));
+                const double weight = static_cast<double>(*w);
+                sum[0] += kGammaTable[p[0]] * weight;
+                sum[1] += kGammaTable[p[1]] * weight;
+                sum[2] += kGammaTable[p[2]] * weight;
+            }
+        }
+        count = pixelCount;
+        if (weightSum != 0) {
+            for (double& s : sum) s = s / weightSum * static_cast<double>(count);
+        }
+    }
+    if (count == 0) {
+        rgb = {128, 128, 128};
+    } else {
+        for (int c = 0; c < 3; ++c) rgb[c] = linearToCode(sum[c] / static_cast<double>(count));
+    }
+
+    if (!sampler.mEnabled) return;
+    const bool debug = sampler.mDebug;
+    const ColorRange& full = sampler.mRangeFull;
+    if (debug) {
+        ALOGD("exceedTolerance(%d): range valid: %d, R (%d), G(%d), B(%d).", 0,
+              sampler.mRangeFullValid, full.max[0] - full.min[0] > 3, full.max[1] - full.min[1] > 3,
+              full.max[2] - full.min[2] > 3);
+    }
+    sampler.mPure = sampler.mRangeFullValid && spreadWithin(full, 3);
+    if (debug) {
+        ALOGD("Range Full min(%d, %d, %d), max(%d, %d, %d), mPure = %d", full.min[0], full.min[1],
+              full.min[2], full.max[0], full.max[1], full.max[2], sampler.mPure);
+    }
+    if (sampler.mPure) state |= 0x1;
+    const ColorRange& r1 = sampler.mRange1;
+    const ColorRange& r2 = sampler.mRange2;
+    if (sampler.mBlackWhite) {
+        if (debug) {
+            ALOGD("exceedTolerance(%d): range valid: %d, R (%d), G(%d), B(%d).", 1,
+                  sampler.mRange1Valid, r1.max[0] - r1.min[0] > 3, r1.max[1] - r1.min[1] > 3,
+                  r1.max[2] - r1.min[2] > 3);
+        }
+        sampler.mBlackWhite = sampler.mRange1Valid && spreadWithin(r1, 3) && sampler.mRange2Valid;
+    }
+    if (debug) {
+        ALOGD("Range 1 min(%d, %d, %d), max(%d, %d, %d), Range 2 min(%d, %d, %d), max(%d, %d, "
+              "%d), mBlackWhite = %d",
+              r1.min[0], r1.min[1], r1.min[2], r1.max[0], r1.max[1], r1.max[2], r2.min[0],
+              r2.min[1], r2.min[2], r2.max[0], r2.max[1], r2.max[2], sampler.mBlackWhite);
+    }
+    if (sampler.mBlackWhite) state |= 0x2;
+}
+
+// ---- Luma ----
+
+ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
+                                             Error* _aidl_return) {
+    ATRACE_CALL();
+    if (mDebugLog) {
+        ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
+    }
+    auto finish = [&](Error result, float value) {
+        lumas->push_back(value);
+        *_aidl_return = result;
+        return ndk::ScopedAStatus::ok();
+    };
+    const int32_t displayId = mDisplayId;
+    if (!mCwbEnabled || !mCwbStatus) return finish(Error::FAILED, 0.0f);
+    if (displayId < 0) {
+        ALOGE("No valid display ID specified");
+        return finish(Error::FAILED, 0.0f);
+    }
+    Rect work{};
+    if (!checkInputRect(rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
+    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
+        ALOGI("%s: resource busy\n", "getLumasValue");
+        return finish(Error::FAILED, 0.0f);
+    }
+    AdoptedLock lock(mRequestLock);
+    if (mBufferCacheValid) {
+        auto it = mLumaCache.find(work);
+        if (it != mLumaCache.end()) return finish(Error::NONE, it->second);
+    }
+    if (displayId == 0) {
+        mPowerMode = mPowerModeMain;
+    } else if (displayId == 3) {
+        mPowerMode = mPowerModeSec;
+    }
+    if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
+        if (mDebugLog) ALOGD("Screen power off\n");
+        return finish(Error::SCREEN_OFF, 0.0f);
+    }
+    if (!captureScreenAllowed()) return finish(Error::FAILED, 0.0f);
+    // The luma always comes from the main display, without post-processing.
+    const int ret = setCWBOutputBuffer(work, false);
+    if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
+        ALOGD("Get Luma error\n");
+        return finish(Error::FAILED, 0.0f);
+    }
+    const float luma = calcPixelsLumas(mCwbBufferHandle.base,
+                                       static_cast<unsigned int>(mCwbBufferHandle.width), work);
+    if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(luma));
+    mLumaCache[work] = luma;
+    return finish(Error::NONE, luma);
+}
+
+float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) {
+    ATRACE_CALL();
+    uint32_t sum = 0;
+    for (int32_t y = rect.top; y < rect.bottom; ++y) {
+        if (rect.right <= rect.left) continue;
+        const uint8_t* p = pixelAt(buffer, stride, rect.left, y);
+        for (int32_t x = rect.left; x < rect.right; ++x, p += 3) {
+            sum += (7u * p[0] + 23u * p[1] + 2u * p[2]) >> 5;
+        }
+    }
+    if (rect.right <= rect.left || rect.bottom <= rect.top) return 0.0f;
+    const uint32_t n = static_cast<uint32_t>(rect.bottom - rect.top) *
+                       static_cast<uint32_t>(rect.right - rect.left);
+    return static_cast<float>(sum) / (static_cast<float>(n) * 255.0f);
+}
+
+// ---- Histogram ----
+
+ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* histogram,
+                                                 Error* _aidl_return) {
+    ATRACE_CALL();
+    if (mDebugLog) {
+        ALOGD("getHistogramValue [%d, %d, %d, %d]\n", rect.left, rect.top, rect.right, rect.bottom);
+    }
+    auto fail = [&](Error result) {
+        histogram->counts.fill(0);
+        *_aidl_return = result;
+        return ndk::ScopedAStatus::ok();
+    };
+    const int32_t displayId = mDisplayId;
+    if (!mCwbEnabled || !mCwbStatus) return fail(Error::FAILED);
+    if (displayId < 0) {
+        ALOGE("No valid display ID specified");
+        return fail(Error::FAILED);
+    }
+    Rect work{};
+    if (!checkInputRect(rect, work)) return fail(Error::INVALID_ARGUMENT);
+    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
+        ALOGI("%s: resource busy\n", "getHistogramValue");
+        return fail(Error::FAILED);
+    }
+    AdoptedLock lock(mRequestLock);
+    if (mBufferCacheValid) {
+        auto it = mHistogramCache.find(work);
+        if (it != mHistogramCache.end()) {
+            *histogram = it->second;
+            *_aidl_return = Error::NONE;
+            return ndk::ScopedAStatus::ok();
+        }
+    }
+    if (displayId == 0) {
+        mPowerMode = mPowerModeMain;
+    } else if (displayId == 3) {
+        mPowerMode = mPowerModeSec;
+    }
+    if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
+        if (mDebugLog) ALOGD("Screen power off\n");
+        return fail(Error::SCREEN_OFF);
+    }
+    if (!captureScreenAllowed()) return fail(Error::FAILED);
+    const int ret = setCWBOutputBuffer(work, true);
+    if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
+        ALOGD("Get Histogram error\n");
+        return fail(Error::FAILED);
+    }
+    unsigned int bins[256][3] = {};
+    calcPixelsHistogram(mCwbBufferHandle.base, static_cast<unsigned int>(mCwbBufferHandle.width),
+                        work, bins);
+    static_assert(sizeof(bins) == sizeof(Histogram{}.counts), "level-major 256 x 3 counters");
+    Histogram result;
+    memcpy(result.counts.data(), bins, sizeof(bins));
+    mHistogramCache[work] = result;
+    *histogram = result;
+    *_aidl_return = Error::NONE;
+    return ndk::ScopedAStatus::ok();
+}
+
+void CwbService::calcPixelsHistogram(void* buffer, unsigned int stride, Rect rect,
+                                     unsigned int (*bins)[3]) {
+    ATRACE_CALL();
+    if (rect.right <= rect.left) return;
+    for (int32_t y = rect.top; y < rect.bottom; ++y) {
+        const uint8_t* p = pixelAt(buffer, stride, rect.left, y);
+        for (int32_t x = rect.left; x < rect.right; ++x, p += 3) {
+            ++bins[p[0]][0];
+            ++bins[p[1]][1];
+            ++bins[p[2]][2];
+        }
+    }
+}
+
+// ---- Weight-positions file ----
+
+void CwbService::GetCwbWeightsPos(char* path, int* count, std::vector<int>& weights) {
+    FILE* file = fopen(path, "r");
+    if (file == nullptr) {
+        ALOGE("%s fail to open %s", "GetCwbWeightsPos", path);
+        return;
+    }
+    std::string text;
+    for (int c = fgetc(file); c != EOF; c = fgetc(file)) text.push_back(static_cast<char>(c));
+    fclose(file);
+
+    bool valid = true;
+    int32_t parsedCount = *count;
+    std::vector<int> parsed;
+    const size_t countKey = text.size() >= 8 ? text.find("\"count\":") : std::string::npos;
+    if (countKey != std::string::npos) {
+        const size_t colon = text.find(':', countKey);
+        const size_t comma = text.find(',', countKey);
+        if (colon != std::string::npos && comma != std::string::npos) {
+            const std::string value =
+                    comma > colon ? text.substr(colon + 1, comma - colon - 1) : std::string();
+            valid = toInt32(value, &parsedCount);
+        }
+    }
+    const size_t weightsKey = text.size() >= 10 ? text.find("\"Weights\":") : std::string::npos;
+    if (valid && weightsKey != std::string::npos) {
+        const size_t open = text.find('[', weightsKey);
+        const size_t close = text.find(']', weightsKey);
+        if (open != std::string::npos && close != std::string::npos) {
+            const std::string list =
+                    close > open ? text.substr(open + 1, close - open - 1) : text.substr(open + 1);
+            size_t pos = 0;
+            while (valid) {
+                const size_t comma = list.find(',', pos);
+                const std::string piece = list.substr(
+                        pos, comma == std::string::npos ? std::string::npos : comma - pos);
+                int32_t weight = 0;
+                valid = toInt32(piece, &weight);
+                if (valid) parsed.push_back(weight);
+                if (comma == std::string::npos) break;
+                pos = comma + 1;
+            }
+        }
+    }
+    if (!valid) {
+        ALOGE("%s %s: a value is not a decimal int32, weights ignored", "GetCwbWeightsPos", path);
+        parsedCount = 0;
+        parsed.clear();
+    } else if (parsedCount > 0 && parsed.size() < static_cast<size_t>(parsedCount)) {
+        // The weighted pass reads count entries; a shorter list must never reach it.
+        ALOGE("%s %s: %zu weights for a count of %d, weights ignored", "GetCwbWeightsPos", path,
+              parsed.size(), parsedCount);
+        parsedCount = 0;
+        parsed.clear();
+    }
+    *count = parsedCount;
+    weights.insert(weights.end(), parsed.begin(), parsed.end());
+    ALOGI("%s Count: %d", "GetCwbWeightsPos", *count);
+    ALOGI("%s Weights.size: %d", "GetCwbWeightsPos", static_cast<int>(weights.size()));
+    if (mDebugLog) {
+        for (int weight : weights) ALOGI("%s weight: %d", "GetCwbWeightsPos", weight);
+    }
+}
+
+}  // namespace aidl::vendor::zarel::hardware::cwb::implementation
