@@ -1,0 +1,63 @@
+// Host stand-in for the NDK header generated from vendor.qti.hardware.display.config
+// IDisplayConfigCallback.aidl, reduced to what the library uses. Calls are direct virtual calls.
+#pragma once
+
+#include <aidl/android/hardware/common/NativeHandle.h>
+#include <aidl/vendor/qti/hardware/display/config/Attributes.h>
+#include <aidl/vendor/qti/hardware/display/config/CameraSmoothOp.h>
+#include <aidl/vendor/qti/hardware/display/config/Concurrency.h>
+#include <aidl/vendor/qti/hardware/display/config/DisplayType.h>
+#include <aidl/vendor/qti/hardware/display/config/TUIEventType.h>
+#include <android/binder_auto_utils.h>
+#include <android/binder_ibinder.h>
+#include <android/binder_interface_utils.h>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace aidl {
+namespace vendor {
+namespace qti {
+namespace hardware {
+namespace display {
+namespace config {
+
+class IDisplayConfigCallback : public ::ndk::ICInterface {
+  public:
+    static inline const char* descriptor =
+            "vendor.qti.hardware.display.config.IDisplayConfigCallback";
+
+    static inline const int32_t version = 13;
+    // The host has no frozen dump of this package to hash; any fixed value serves.
+    static inline const std::string hash = "host-stand-in";
+
+    static std::shared_ptr<IDisplayConfigCallback> fromBinder(const ::ndk::SpAIBinder& binder) {
+        AIBinder* b = binder.get();
+        if (b == nullptr || b->descriptor != descriptor) return nullptr;
+        return std::dynamic_pointer_cast<IDisplayConfigCallback>(b->local);
+    }
+
+    virtual ::ndk::ScopedAStatus notifyCWBBufferDone(
+            int32_t in_error, const ::aidl::android::hardware::common::NativeHandle& in_buffer) = 0;
+    virtual ::ndk::ScopedAStatus notifyQsyncChange(bool in_qsyncEnabled, int32_t in_refreshRate,
+                                                   int32_t in_qsyncRefreshRate) = 0;
+    virtual ::ndk::ScopedAStatus notifyIdleStatus(bool in_isIdle) = 0;
+    virtual ::ndk::ScopedAStatus notifyCameraSmoothInfo(CameraSmoothOp in_op, int32_t in_fps) = 0;
+    virtual ::ndk::ScopedAStatus notifyResolutionChange(int32_t in_displayId,
+                                                        const Attributes& in_attr) = 0;
+    virtual ::ndk::ScopedAStatus notifyFpsMitigation(int32_t in_displayId,
+                                                     const Attributes& in_attr,
+                                                     Concurrency in_concurrency) = 0;
+    virtual ::ndk::ScopedAStatus notifyTUIEventDone(int32_t in_disp_id, DisplayType in_disp_type,
+                                                    TUIEventType in_event_type) = 0;
+    virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;
+    virtual ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) = 0;
+};
+
+}  // namespace config
+}  // namespace display
+}  // namespace hardware
+}  // namespace qti
+}  // namespace vendor
+}  // namespace aidl
