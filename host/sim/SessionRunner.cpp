@@ -1,0 +1,490 @@
+#include "SessionRunner.h"
+
+#include <android/binder_manager.h>
+#include <cutils/properties.h>
+#include <host/binder_registry.h>
+#include <host/gralloc_control.h>
+#include <host/log_capture.h>
+#include <host/properties.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "HistogramPlot.h"
+#include "PngFile.h"
+
+namespace cwbsim {
+
+namespace {
+
+namespace cwb = aidl::vendor::zarel::hardware::cwb;
+using host::device::Frame;
+using host::device::FrameKind;
+using host::device::PanelId;
+
+constexpr PanelId kPanels[] = {PanelId::Main, PanelId::Secondary};
+constexpr FrameKind kKinds[] = {FrameKind::Mixer, FrameKind::PostProcessed};
+constexpr const char* kDisplayIdProp = "ro.vendor.zarel.display.cwb.display_id";
+constexpr const char* kDisplayIdSecProp = "ro.vendor.zarel.display.cwb.display_id_sec";
+
+const char* panelName(PanelId panel) {
+    return panel == PanelId::Main ? "main" : "sec";
+}
+
+// A display id property as the service reads it: atoi, -1 when unset.
+int32_t displayIdProperty(const char* name) {
+    char value[PROPERTY_VALUE_MAX];
+    property_get(name, value, "-1");
+    return atoi(value);
+}
+
+// 0 for OK; the service-specific code, or else the exception code, for a failed status.
+int32_t statusCode(const ndk::ScopedAStatus& status) {
+    if (status.isOk()) return 0;
+    if (status.getExceptionCode() == EX_SERVICE_SPECIFIC) return status.getServiceSpecificError();
+    return status.getExceptionCode();
+}
+
+std::string instanceName() {
+    return std::string(cwb::ICwbService::descriptor) + "/default";
+}
+
+}  // namespace
+
+SessionRunner::SessionRunner(const Options& options, std::string baseDir, Printer& printer)
+    : mOptions(options), mBaseDir(std::move(baseDir)), mPrinter(printer) {
+    // Every run starts from a clean process: no properties, services, faults or capture mode
+    // left over from an earlier run.
+    host::properties::clear();
+    host::binder::resetRegistry();
+    host::gralloc::reset();
+    host::log::clear();
+    cwb::implementation::mLightModeID = 2;
+    mDevice = std::make_unique<host::device::Device>();
+    mRecorder = std::make_unique<SnapshotRecorder>(mDevice->displayConfig());
+    mComposer = std::make_unique<host::device::Composer>();
+    if (mOptions.logs) {
+        host::log::setListener([this](const host::log::Line& line) {
+            if (mMutedThread.load() == std::this_thread::get_id()) return;
+            mPrinter.log(line.priority, line.tag, line.text);
+        });
+    }
+}
+
+SessionRunner::~SessionRunner() {
+    tearDown();
+}
+
+void SessionRunner::tearDown() {
+    host::log::setListener(nullptr);
+    for (auto& [name, callback] : mCallbacks) callback->detach();
+    mClient.reset();
+    // The composer's proxy and the registry hold the last references: the service goes here,
+    // before the vendor whose completions it may still be owed.
+    mComposer.reset();
+    host::binder::resetRegistry();
+    mRecorder.reset();
+    mDevice.reset();
+    mRegion.reset();
+    mCallbacks.clear();
+    host::properties::clear();
+}
+
+bool SessionRunner::fail(const std::string& message) {
+    mError = message;
+    return false;
+}
+
+bool SessionRunner::run(const std::vector<Command>& commands) {
+    for (const Command& c : commands) {
+        const bool setup = c.op == Op::Prop || c.op == Op::Panel || c.op == Op::FileWeights ||
+                           c.op == Op::FileApl;
+        // The command line's frame goes up once the panels are configured.
+        if (!setup && !mFrameApplied && !applyCommandLineFrame()) return false;
+        std::string note;
+        if (!execute(c, &note)) {
+            mErrorLine = c.line;
+            return false;
+        }
+        // Phone set-up lines and sleeps say nothing worth a row.
+        if (!setup && c.op != Op::Sleep && c.op != Op::Call) {
+            mPrinter.command(c.line, c.text, note);
+        }
+    }
+    return mFrameApplied || applyCommandLineFrame();
+}
+
+bool SessionRunner::execute(const Command& c, std::string* note) {
+    switch (c.op) {
+        case Op::Prop:
+            host::properties::set(c.str, c.str2);
+            return true;
+        case Op::Panel:
+            mDevice->setPanelModes(c.panel, c.modes);
+            showPictures(c.panel);
+            return true;
+        case Op::FileWeights:
+            return fileWeights(c);
+        case Op::FileApl:
+            mDevice->setAplFile(c.present ? std::optional<std::string>(c.str) : std::nullopt);
+            return true;
+        case Op::Frame:
+            return frame(c);
+        case Op::VendorLatency:
+            mDevice->setLatency(c.present ? std::optional<std::chrono::nanoseconds>(
+                                                    std::chrono::milliseconds(c.nums[0]))
+                                          : std::nullopt);
+            return true;
+        case Op::VendorNext:
+            mDevice->displayConfig()->pushOutcome(
+                    c.outcome, c.nums.empty() ? -1 : static_cast<int32_t>(c.nums[0]));
+            mRecorder->expectOutcome(c.outcome);
+            return true;
+        case Op::VendorPresence:
+            return mDevice->setVendorPresent(c.present) ||
+                   fail("the service registry refused the vendor's display-config service");
+        case Op::QServiceAnswer:
+            mDevice->qservice()->setAnswer(static_cast<uint32_t>(c.nums[0]),
+                                           static_cast<int32_t>(c.nums[1]));
+            return true;
+        case Op::QServicePresence:
+            return mDevice->setQServicePresent(c.present) ||
+                   fail("the service manager refused the display qservice");
+        case Op::Sleep:
+            std::this_thread::sleep_for(std::chrono::milliseconds(c.nums[0]));
+            return true;
+        case Op::Boot:
+            return boot(note);
+        case Op::Host:
+            return host(c);
+        case Op::ClientState:
+            callback(c.str)->setDead(!c.present);
+            return true;
+        case Op::Call:
+            return call(c);
+        case Op::Snapshot:
+        case Op::Plot:
+            return picture(c, note);
+    }
+    return fail("unknown command");
+}
+
+bool SessionRunner::boot(std::string* note) {
+    for (const auto& [name, value] : mOptions.props) host::properties::set(name, value);
+    if (mComposer->boot() != 0) return fail("CwbProxy::initialize() failed");
+    ndk::SpAIBinder binder(AServiceManager_checkService(instanceName().c_str()));
+    mClient = cwb::ICwbService::fromBinder(binder);
+    if (mClient == nullptr) return fail("the service is not registered as " + instanceName());
+    mServedDisplay = displayIdProperty(kDisplayIdProp);
+    *note = "service registered as " + instanceName();
+    return true;
+}
+
+bool SessionRunner::host(const Command& c) {
+    const std::string& op = c.verb;
+    const std::vector<int64_t>& n = c.nums;
+    host::device::Composer& composer = *mComposer;
+    if (op == "updateCwbStatus") {
+        composer.status(n[0] != 0);
+    } else if (op == "invalidCache") {
+        composer.layerChange();
+    } else if (op == "setPowerMode") {
+        composer.powerMode(static_cast<uint64_t>(n[0]), static_cast<int>(n[1]));
+    } else if (op == "notifyConfigChange") {
+        // The composer switches the panel first and then tells the service.
+        for (PanelId panel : kPanels) {
+            const int32_t id =
+                    displayIdProperty(panel == PanelId::Main ? kDisplayIdProp : kDisplayIdSecProp);
+            const auto modes = mDevice->displayConfig()->panelModes(panel);
+            if (id == -1 || n[0] != id || modes.empty()) continue;
+            mDevice->setActiveMode(panel, static_cast<uint32_t>(n[1] % modes.size()));
+            showPictures(panel);
+        }
+        composer.configChange(static_cast<uint64_t>(n[0]), static_cast<uint32_t>(n[1]));
+    } else if (op == "updateAvailableConfigs") {
+        composer.updateConfigs();
+    } else if (op == "notifyColorModeChange") {
+        composer.colorMode(static_cast<uint64_t>(n[0]), static_cast<int>(n[1]),
+                           static_cast<int>(n[2]));
+    } else if (op == "aodLayerExist") {
+        composer.aodLayer(n[0] != 0);
+    } else if (op == "fodLayerExist") {
+        composer.fodLayer(n[0] != 0);
+    } else {
+        return fail("host: unknown operation " + op);
+    }
+    return true;
+}
+
+std::pair<int, int> SessionRunner::panelSize(PanelId panel) const {
+    const auto modes = mDevice->displayConfig()->panelModes(panel);
+    const uint32_t active = mDevice->displayConfig()->activeMode(panel);
+    if (active >= modes.size()) return {0, 0};
+    return {modes[active].width, modes[active].height};
+}
+
+void SessionRunner::showPictures(PanelId panel) {
+    const auto [width, height] = panelSize(panel);
+    for (FrameKind kind : kKinds) {
+        const PanelPicture& picture = mPictures[static_cast<int>(panel)][static_cast<int>(kind)];
+        if (picture.empty()) continue;
+        auto frame = std::make_shared<const Frame>(picture.render(width, height));
+        mDevice->setFrame(panel, kind, *frame);
+        mRecorder->setFrame(panel, kind, std::move(frame));
+    }
+}
+
+bool SessionRunner::frame(const Command& c) {
+    PanelPicture& picture = mPictures[static_cast<int>(c.panel)][static_cast<int>(c.kind)];
+    const auto [width, height] = panelSize(c.panel);
+    switch (c.frame) {
+        case FrameSource::Fill:
+            picture.fill(c.colour);
+            break;
+        case FrameSource::Pattern:
+            picture.pattern(c.str);
+            break;
+        case FrameSource::Paint:
+            picture.paint(c.rect, c.colour);
+            break;
+        case FrameSource::Png: {
+            const std::string path = resolve(c.str);
+            int w = 0, h = 0;
+            std::string error;
+            if (!PngFile::size(path, &w, &h, &error)) return fail("frame: " + error);
+            if (w != width || h != height) {
+                return fail("frame: " + path + " is " + std::to_string(w) + "x" +
+                            std::to_string(h) + ", the " + panelName(c.panel) + " panel is " +
+                            std::to_string(width) + "x" + std::to_string(height));
+            }
+            Frame image;
+            if (!PngFile::read(path, &image, &error)) return fail("frame: " + error);
+            picture.image(std::move(image));
+            break;
+        }
+    }
+    showPictures(c.panel);
+    return true;
+}
+
+bool SessionRunner::applyCommandLineFrame() {
+    mFrameApplied = true;
+    if (mOptions.frame.empty()) return true;
+    Command c;
+    c.op = Op::Frame;
+    c.frame = FrameSource::Png;
+    // Relative to the working directory, like the session file itself.
+    c.str = std::filesystem::absolute(mOptions.frame).string();
+    if (frame(c)) return true;
+    mError = "--frame " + mOptions.frame + ": " + mError.substr(std::string("frame: ").size());
+    mErrorLine = 0;
+    return false;
+}
+
+bool SessionRunner::fileWeights(const Command& c) {
+    const std::string path = resolve(c.str);
+    std::ifstream in(path, std::ios::binary);
+    std::ostringstream text;
+    if (!in || !(text << in.rdbuf())) return fail("file weights: cannot read " + path);
+    mDevice->writeWeights(c.panel, text.str());
+    return true;
+}
+
+std::shared_ptr<ClientCallback> SessionRunner::callback(const std::string& name) {
+    auto it = mCallbacks.find(name);
+    if (it != mCallbacks.end()) return it->second;
+    auto created = ndk::SharedRefBase::make<ClientCallback>(name, &mPrinter);
+    mCallbacks.emplace(name, created);
+    return created;
+}
+
+bool SessionRunner::call(const Command& c) {
+    CallRecord r;
+    r.name = c.verb;
+    r.line = c.line;
+    r.request = c.text;
+    const std::string& m = c.verb;
+    cwb::Error error = cwb::Error::NONE;
+    ndk::ScopedAStatus status;
+    if (m == "getRGBValue") {
+        cwb::Rgb rgb;
+        status = mClient->getRGBValue(c.rect, &rgb, &error);
+        r.rgb = {rgb.r, rgb.g, rgb.b};
+        r.error = static_cast<int32_t>(error);
+    } else if (m == "getLumasValue") {
+        std::vector<float> lumas;
+        status = mClient->getLumasValue(c.rect, &lumas, &error);
+        r.lumas = lumas;
+        r.error = static_cast<int32_t>(error);
+    } else if (m == "getHistogramValue") {
+        cwb::Histogram histogram;
+        status = mClient->getHistogramValue(c.rect, &histogram, &error);
+        r.histogram = histogram.counts;
+        r.error = static_cast<int32_t>(error);
+        if (status.isOk()) mLastHistogram = histogram;
+    } else if (m == "getCwbValue") {
+        std::vector<int32_t> values;
+        r.feature = static_cast<int32_t>(c.nums[0]);
+        status = mClient->getCwbValue(r.feature, c.rect, &values, &error);
+        r.values = values;
+        r.error = static_cast<int32_t>(error);
+        // The dispatcher moves the service's display selection; later rectangles follow it.
+        if (r.feature == 1) mServedDisplay = 0;
+        const int32_t sec = displayIdProperty(kDisplayIdSecProp);
+        if (r.feature == 3 && sec != -1) mServedDisplay = sec;
+    } else if (m == "setDebug") {
+        status = mClient->setDebug(c.list, &error);
+        r.error = static_cast<int32_t>(error);
+    } else if (m == "enable" || m == "disable" || m == "getCwbPostProcessStatus") {
+        bool result = false;
+        status = m == "enable"    ? mClient->enable(&result)
+                 : m == "disable" ? mClient->disable(&result)
+                                  : mClient->getCwbPostProcessStatus(&result);
+        r.result = result;
+    } else if (m == "setCwbPostProcessStatus") {
+        status = mClient->setCwbPostProcessStatus(c.nums[0] != 0, &error);
+        r.error = static_cast<int32_t>(error);
+    } else if (m == "registerCallback" || m == "unregisterCallback") {
+        const std::shared_ptr<ClientCallback> cb = callback(c.str);
+        status = m == "registerCallback" ? mClient->registerCallback(cb, &error)
+                                         : mClient->unregisterCallback(cb, &error);
+        r.error = static_cast<int32_t>(error);
+        r.client = c.str;
+    } else if (!shared(c, &r, &status)) {
+        return false;
+    }
+    r.status = statusCode(status);
+    if (r.status != 0) {
+        // Over binder a failed status carries neither the result nor the out-values.
+        r.error.reset();
+        r.rgb.reset();
+        r.lumas.reset();
+        r.histogram.reset();
+        r.values.reset();
+        r.result.reset();
+    } else if (c.hasRect) {
+        recordRect(m, r.feature, c.rect, r.error.value_or(0));
+    }
+    mPrinter.call(r);
+    return true;
+}
+
+bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* status) {
+    const std::string& m = c.verb;
+    cwb::Error error = cwb::Error::NONE;
+    if (m == "initializeSharedMemory") {
+        std::unique_ptr<SharedRegion> fresh;
+        if (c.present) {
+            fresh = std::make_unique<SharedRegion>();
+            std::string why;
+            if (!fresh->create(static_cast<size_t>(c.nums[0]), &why)) {
+                return fail("initializeSharedMemory: cannot create the client's region: " + why);
+            }
+        }
+        // In-process calls pass the descriptor itself; the client keeps owning it.
+        ndk::ScopedFileDescriptor fd(fresh ? fresh->fd() : -1);
+        *status = mClient->initializeSharedMemory(
+                0, c.present ? static_cast<int32_t>(c.nums[0]) : 0, fd, &error);
+        fd.release();
+        // The old region is closed only now, so the new one cannot get its descriptor number.
+        if (fresh) mRegion = std::move(fresh);
+        r->error = static_cast<int32_t>(error);
+    } else if (m == "getSharedData") {
+        std::vector<int32_t> values;
+        r->feature = static_cast<int32_t>(c.nums[0]);
+        ndk::ScopedFileDescriptor fd(mRegion ? mRegion->fd() : -1);
+        *status = mClient->getSharedData(r->feature, c.rect, fd, static_cast<int32_t>(c.nums[1]),
+                                         &values, &error);
+        fd.release();
+        r->values = values;
+        r->error = static_cast<int32_t>(error);
+    } else if (m == "getScreenResolution") {
+        std::vector<int32_t> values;
+        *status = mClient->getScreenResolution(0, &values, &error);
+        r->values = values;
+        r->error = static_cast<int32_t>(error);
+    } else if (m == "releaseSharedMemory") {
+        *status = mClient->releaseSharedMemory(0, 0, &error);
+        r->error = static_cast<int32_t>(error);
+    } else if (m == "readShared") {
+        const auto offset = static_cast<size_t>(c.nums[0]);
+        const auto length = static_cast<size_t>(c.nums[1]);
+        if (mRegion == nullptr || mRegion->size() == 0) {
+            return fail("readShared: no shared memory region yet (initializeSharedMemory SIZE)");
+        }
+        std::vector<uint8_t> bytes;
+        if (!mRegion->read(offset, length, &bytes)) {
+            return fail("readShared: bytes " + std::to_string(offset) + " to " +
+                        std::to_string(offset + length) + " are outside the " +
+                        std::to_string(mRegion->size()) + "-byte region");
+        }
+        r->bytes = std::move(bytes);
+        r->offset = static_cast<int64_t>(offset);
+    } else {
+        return fail("unknown client call " + m);
+    }
+    return true;
+}
+
+void SessionRunner::recordRect(const std::string& method, int32_t feature, const Rect& rect,
+                               int32_t error) {
+    if ((error & 0xFFFF) == static_cast<int32_t>(cwb::Error::INVALID_ARGUMENT)) return;
+    std::optional<PanelId> panel;
+    bool convert = true;
+    if (method == "getRGBValue" || (method == "getCwbValue" && (feature == 1 || feature == 3))) {
+        if (mServedDisplay == 0) panel = PanelId::Main;
+        if (mServedDisplay == 3) panel = PanelId::Secondary;
+    } else if (method == "getLumasValue" || method == "getHistogramValue" ||
+               (method == "getCwbValue" && feature == 2)) {
+        panel = PanelId::Main;  // these always read the main display's buffer
+    } else if (method == "getSharedData" && feature == 5) {
+        panel = PanelId::Main;
+        convert = false;  // the crop takes the rectangle exactly as sent
+    }
+    if (!panel) return;
+    Rect out = rect;
+    if (convert) {
+        // The service's own conversion, so the outline is where it read; its log lines belong
+        // to the simulator, not to the session.
+        const auto service = mComposer->proxy().service();
+        if (service == nullptr) return;
+        mMutedThread = std::this_thread::get_id();
+        const bool accepted = service->checkInputRect(rect, out);
+        mMutedThread = std::thread::id();
+        if (!accepted) return;
+    }
+    mRecorder->addRect(*panel, out);
+}
+
+bool SessionRunner::picture(const Command& c, std::string* note) {
+    std::string error;
+    Frame image;
+    if (c.op == Op::Snapshot) {
+        if (!mRecorder->hasCapture(c.panel)) {
+            return fail(std::string("snapshot: nothing has been captured on the ") +
+                        panelName(c.panel) + " panel yet");
+        }
+        image = mRecorder->picture(c.panel);
+        *note = "wrote " + c.str + ", " + std::to_string(image.width) + "x" +
+                std::to_string(image.height) + " with " +
+                std::to_string(mRecorder->rectCount(c.panel)) + " rectangle(s) outlined";
+    } else {
+        if (!mLastHistogram) return fail("plot histogram: no getHistogramValue answer yet");
+        image = HistogramPlot::render(*mLastHistogram);
+        *note = "wrote " + c.str;
+    }
+    if (!PngFile::write(c.str, image, &error)) {
+        return fail(std::string(c.op == Op::Snapshot ? "snapshot: " : "plot: ") + error);
+    }
+    return true;
+}
+
+std::string SessionRunner::resolve(const std::string& path) const {
+    if (path.empty() || path.front() == '/' || mBaseDir.empty()) return path;
+    return mBaseDir + "/" + path;
+}
+
+}  // namespace cwbsim

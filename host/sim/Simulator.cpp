@@ -1,0 +1,81 @@
+#include "Simulator.h"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <sstream>
+
+#include "CommandLine.h"
+#include "DefaultSession.h"
+#include "JsonPrinter.h"
+#include "SessionParser.h"
+#include "SessionRunner.h"
+#include "TablePrinter.h"
+
+namespace cwbsim {
+
+int Simulator::main(const std::vector<std::string>& args, std::istream& in, std::ostream& out,
+                    std::ostream& err) {
+    CommandLine commandLine;
+    std::string error;
+    if (!commandLine.parse(args, &error)) {
+        err << "cwb-sim: " << error << "\n" << CommandLine::usage();
+        return kMalformed;
+    }
+    if (commandLine.action() == CommandLine::Action::Help) {
+        out << CommandLine::usage();
+        return kPlayed;
+    }
+    const std::string& script = commandLine.script();
+    if (script.empty()) {
+        if (!commandLine.options().json) out << DefaultSession::description() << "\n";
+        return play(DefaultSession::text(), "built-in session", "", commandLine.options(), out,
+                    err);
+    }
+    std::ostringstream text;
+    if (script == "-") {
+        text << in.rdbuf();
+        return play(text.str(), "<stdin>", "", commandLine.options(), out, err);
+    }
+    std::ifstream file(script, std::ios::binary);
+    if (!file) {
+        err << "cwb-sim: cannot open " << script << ": " << strerror(errno) << "\n";
+        return kFailed;
+    }
+    text << file.rdbuf();
+    const std::string baseDir = std::filesystem::path(script).parent_path().string();
+    return play(text.str(), script, baseDir, commandLine.options(), out, err);
+}
+
+int Simulator::play(const std::string& text, const std::string& source, const std::string& baseDir,
+                    const Options& options, std::ostream& out, std::ostream& err) {
+    std::vector<Command> commands;
+    SessionError malformed;
+    if (!SessionParser::parse(text, &commands, &malformed)) {
+        err << "cwb-sim: " << source << " line " << malformed.line << ": " << malformed.message
+            << "\n";
+        return kMalformed;
+    }
+    std::unique_ptr<Printer> printer;
+    if (options.json) {
+        printer = std::make_unique<JsonPrinter>(out);
+    } else {
+        printer = std::make_unique<TablePrinter>(out);
+    }
+    std::string error;
+    int line = 0;
+    {
+        SessionRunner runner(options, baseDir, *printer);
+        if (runner.run(commands)) return kPlayed;
+        error = runner.error();
+        line = runner.errorLine();
+    }
+    err << "cwb-sim: " << source;
+    if (line > 0) err << " line " << line;
+    err << ": " << error << "\n";
+    return kFailed;
+}
+
+}  // namespace cwbsim
