@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# One command from a fresh Debian machine to a passing test suite: installs what is missing,
+# configures, builds and runs the tests. Pass a preset name (default, asan, tsan) to pick a build.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+preset="${1:-default}"
+
+tools/install-deps.sh
+cmake --preset "$preset"
+cmake --build --preset "$preset"
+ctest --preset "$preset"
