@@ -13,7 +13,7 @@ namespace aidl::vendor::zarel::hardware::cwb::implementation {
 // std::timed_mutex so that every sanitizer sees its acquisitions (pthread_mutex_clocklock, used
 // by try_lock_for, is not intercepted everywhere).
 class CAPABILITY("mutex") TimedMutex {
-public:
+  public:
     void lock() ACQUIRE() {
         std::unique_lock<std::mutex> guard(mState);
         mFree.wait(guard, [this] { return !mLocked; });
@@ -36,7 +36,7 @@ public:
         return true;
     }
 
-private:
+  private:
     std::mutex mState;
     std::condition_variable mFree;
     bool mLocked = false;
@@ -44,13 +44,13 @@ private:
 
 // Scoped holder for a TimedMutex that was already acquired with try_lock_for().
 class SCOPED_CAPABILITY AdoptedLock {
-public:
+  public:
     explicit AdoptedLock(TimedMutex& mutex) REQUIRES(mutex) : mMutex(mutex) {}
     ~AdoptedLock() RELEASE() { mMutex.unlock(); }
     AdoptedLock(const AdoptedLock&) = delete;
     AdoptedLock& operator=(const AdoptedLock&) = delete;
 
-private:
+  private:
     TimedMutex& mMutex;
 };
 
