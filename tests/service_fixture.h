@@ -27,7 +27,7 @@ namespace aidl::vendor::zarel::hardware::cwb::implementation {
 // Friend of CwbService: state for assertions, and the internal operations under the locks their
 // callers would hold.
 class CwbServiceTestPeer {
-public:
+  public:
     explicit CwbServiceTestPeer(CwbService& s) : s(s) {}
 
     int32_t displayId() const { return s.mDisplayId; }
@@ -95,8 +95,9 @@ public:
     }
     size_t cacheSize(int which) {  // 0 RGB, 1 luma, 2 histogram
         std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        return which == 0 ? s.mRgbCache.size()
-                          : which == 1 ? s.mLumaCache.size() : s.mHistogramCache.size();
+        return which == 0   ? s.mRgbCache.size()
+               : which == 1 ? s.mLumaCache.size()
+                            : s.mHistogramCache.size();
     }
     CwbBufferInfo buffer(bool sec) {
         std::lock_guard<TimedMutex> lock(s.mRequestLock);
@@ -137,7 +138,7 @@ public:
     void holdRequestLock() { s.mRequestLock.lock(); }
     void releaseRequestLock() NO_THREAD_SAFETY_ANALYSIS { s.mRequestLock.unlock(); }
 
-private:
+  private:
     CwbService& s;
 };
 
@@ -186,7 +187,7 @@ bool waitFor(Cond cond, std::chrono::milliseconds timeout = std::chrono::millise
 // A phone with a 1080 x 2400 main panel at 60 Hz, display id 0, and a composer ready to boot
 // the service. Tests set properties and device state before boot().
 class ServiceTest : public ::testing::Test {
-protected:
+  protected:
     void SetUp() override {
         host::log::clear();
         host::properties::clear();
