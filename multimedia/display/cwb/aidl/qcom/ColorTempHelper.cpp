@@ -10,6 +10,8 @@
 #include <cstring>
 #include <string>
 
+#include "ParseInt.h"
+
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
 namespace {
@@ -33,18 +35,6 @@ bool inBand(int r, int g, int b, int32_t low, int32_t high) {
     return low <= r && r <= high && low <= g && g <= high && low <= b && b <= high;
 }
 
-// Base-10 int32 as strtol reads it: leading white space, optional sign, at least one digit,
-// anything after the digits ignored.
-bool toInt32(const std::string& text, int32_t* out) {
-    const char* begin = text.c_str();
-    char* end = nullptr;
-    errno = 0;
-    long value = std::strtol(begin, &end, 10);
-    if (end == begin || errno == ERANGE || value < INT32_MIN || value > INT32_MAX) return false;
-    *out = static_cast<int32_t>(value);
-    return true;
-}
-
 }  // namespace
 
 ColorTempHelper::ColorTempHelper() {
@@ -63,7 +53,7 @@ bool ColorTempHelper::configure(const char* value) {
         if (end == std::string::npos) end = text.size();
         if (pieces < 4) {
             int32_t limit = 0;
-            if (!toInt32(text.substr(start, end - start), &limit)) {
+            if (!parseInt32(text.substr(start, end - start), &limit)) {
                 ALOGE("ct_range \"%s\": piece %zu is not an int32, colour classification disabled",
                       text.c_str(), pieces);
                 mEnabled = false;

@@ -152,6 +152,7 @@ class CwbService : public BnCwbService,
     bool serviceStatus() const;
     int writeback(bool secondary, Rect rect, bool postProcessed) REQUIRES(mRequestLock);
     void emptyResultCaches() REQUIRES(mRequestLock);
+    void selectPowerMode(int32_t displayId) REQUIRES(mRequestLock);
     // The capture buffer holds the whole rectangle at a sane pitch.
     static bool rectInsideBuffer(const CwbBufferInfo& info, const Rect& rect);
     int getAiBufferFromCwb(int id, const Rect& rect, int bufferSize, std::vector<int>* values)

@@ -16,6 +16,7 @@
 
 #include "CwbService.h"
 #include "GammaTable.h"
+#include "ParseInt.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -32,17 +33,6 @@ inline const uint8_t* pixelAt(const void* buffer, unsigned int stride, int x, in
            3 * (static_cast<size_t>(x) + static_cast<size_t>(stride) * static_cast<size_t>(y));
 }
 
-// Base-10 int32 as strtol reads it (leading white space, sign, digits, rest ignored).
-bool toInt32(const std::string& text, int32_t* out) {
-    const char* begin = text.c_str();
-    char* end = nullptr;
-    errno = 0;
-    long value = std::strtol(begin, &end, 10);
-    if (end == begin || errno == ERANGE || value < INT32_MIN || value > INT32_MAX) return false;
-    *out = static_cast<int32_t>(value);
-    return true;
-}
-
 bool spreadWithin(const ColorRange& range, int limit) {
     for (int c = 0; c < 3; ++c) {
         if (range.max[c] - range.min[c] > limit) return false;
@@ -51,6 +41,15 @@ bool spreadWithin(const ColorRange& range, int limit) {
 }
 
 }  // namespace
+
+// The power mode of the display being sampled; other ids keep the last one.
+void CwbService::selectPowerMode(int32_t displayId) {
+    if (displayId == 0) {
+        mPowerMode = mPowerModeMain;
+    } else if (displayId == 3) {
+        mPowerMode = mPowerModeSec;
+    }
+}
 
 // ---- RGB ----
 
@@ -84,11 +83,7 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
     }
     AdoptedLock lock(mRequestLock);
 
-    if (displayId == 0) {
-        mPowerMode = mPowerModeMain;
-    } else if (displayId == 3) {
-        mPowerMode = mPowerModeSec;
-    }
+    selectPowerMode(displayId);
     if (mBufferCacheValid || mPowerMode == kPowerDozeSuspend) {
         auto it = mRgbCache.find(work);
         if (it != mRgbCache.end()) {
@@ -284,11 +279,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
         auto it = mLumaCache.find(work);
         if (it != mLumaCache.end()) return finish(Error::NONE, it->second);
     }
-    if (displayId == 0) {
-        mPowerMode = mPowerModeMain;
-    } else if (displayId == 3) {
-        mPowerMode = mPowerModeSec;
-    }
+    selectPowerMode(displayId);
     if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
         if (mDebugLog) ALOGD("Screen power off\n");
         return finish(Error::SCREEN_OFF, 0.0f);
@@ -357,11 +348,7 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
             return ndk::ScopedAStatus::ok();
         }
     }
-    if (displayId == 0) {
-        mPowerMode = mPowerModeMain;
-    } else if (displayId == 3) {
-        mPowerMode = mPowerModeSec;
-    }
+    selectPowerMode(displayId);
     if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
         if (mDebugLog) ALOGD("Screen power off\n");
         return fail(Error::SCREEN_OFF);
@@ -420,7 +407,7 @@ void CwbService::GetCwbWeightsPos(char* path, int* count, std::vector<int>& weig
         if (colon != std::string::npos && comma != std::string::npos) {
             const std::string value =
                     comma > colon ? text.substr(colon + 1, comma - colon - 1) : std::string();
-            valid = toInt32(value, &parsedCount);
+            valid = parseInt32(value, &parsedCount);
         }
     }
     const size_t weightsKey = text.size() >= 10 ? text.find("\"Weights\":") : std::string::npos;
@@ -436,7 +423,7 @@ void CwbService::GetCwbWeightsPos(char* path, int* count, std::vector<int>& weig
                 const std::string piece = list.substr(
                         pos, comma == std::string::npos ? std::string::npos : comma - pos);
                 int32_t weight = 0;
-                valid = toInt32(piece, &weight);
+                valid = parseInt32(piece, &weight);
                 if (valid) parsed.push_back(weight);
                 if (comma == std::string::npos) break;
                 pos = comma + 1;
