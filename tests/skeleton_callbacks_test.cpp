@@ -1,19 +1,21 @@
 // Client callbacks: what a registration is told, when the status is broadcast and with what
-// value, stale and duplicate clients, cookies, and clients that call back into the service.
+// value, stale and duplicate clients, cookies, clients that call back into the service, and
+// clients and host events racing on several binder threads.
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 
-#include <functional>
-#include <future>
+#include <atomic>
+#include <mutex>
 
-#include "service_fixture.h"
+#include "skeleton_helpers.h"
 
 namespace cwbtest {
 namespace {
 
-// A client that records what it is told, may fail as a dead client does, and may run a hook
-// inside its notification.
+// Records what it is told, may fail as a dead client does, and may run a hook inside its
+// notification.
 class RecordingCallback : public aidl::vendor::zarel::hardware::cwb::BnCwbCallback {
   public:
+    explicit RecordingCallback(bool fail = false) : fail(fail) {}
     ndk::ScopedAStatus notifyCwbStatus(bool status) override {
         {
             std::lock_guard<std::mutex> lock(mMutex);
@@ -26,7 +28,10 @@ class RecordingCallback : public aidl::vendor::zarel::hardware::cwb::BnCwbCallba
         std::lock_guard<std::mutex> lock(mMutex);
         return mStatuses;
     }
-    std::atomic<bool> fail{false};
+    static std::shared_ptr<RecordingCallback> make(bool fail = false) {
+        return ndk::SharedRefBase::make<RecordingCallback>(fail);
+    }
+    const bool fail;
     std::function<void(bool)> hook;
 
   private:
@@ -34,22 +39,8 @@ class RecordingCallback : public aidl::vendor::zarel::hardware::cwb::BnCwbCallba
     std::vector<bool> mStatuses;
 };
 
-template <typename Case>
-auto operator<<(std::ostream& os, const Case& c) -> decltype(c.name, os) {
-    return os << c.name;
-}
-template <typename Case>
-std::string caseName(const ::testing::TestParamInfo<Case>& info) {
-    return info.param.name;
-}
-
 class SkeletonCallbacksTest : public ServiceTest {
   protected:
-    std::shared_ptr<RecordingCallback> make(bool fail = false) {
-        auto cb = ndk::SharedRefBase::make<RecordingCallback>();
-        cb->fail = fail;
-        return cb;
-    }
     Error registerCb(const std::shared_ptr<ICwbCallback>& cb) {
         Error result = Error::FAILED;
         EXPECT_TRUE(service->registerCallback(cb, &result).isOk());
@@ -64,208 +55,133 @@ class SkeletonCallbacksTest : public ServiceTest {
     // present / 'f' gone.
     void run(const char* steps) {
         for (; *steps != '\0'; ++steps) {
+            const char s = *steps;
             bool ok = false;
-            switch (*steps) {
-                case 'E':
-                case 'D':
-                    ASSERT_TRUE(
-                            (*steps == 'E' ? service->enable(&ok) : service->disable(&ok)).isOk());
-                    EXPECT_TRUE(ok);
-                    break;
-                case 'S':
-                case 's':
-                    composer->status(*steps == 'S');
-                    break;
-                case 'F':
-                case 'f':
-                    composer->fodLayer(*steps == 'F');
-                    break;
-                default:
-                    FAIL() << "unknown step " << *steps;
+            if (s == 'E' || s == 'D') {
+                ASSERT_TRUE((s == 'E' ? service->enable(&ok) : service->disable(&ok)).isOk());
+                EXPECT_TRUE(ok);
+            } else if (s == 'S' || s == 's') {
+                composer->status(s == 'S');
+            } else {
+                composer->fodLayer(s == 'F');
             }
         }
     }
 };
-
-struct RegistrationCase {
-    const char* name;
-    bool fodForbidden;
-    const char* before;  // steps before the registration
-    bool told;
-};
-
-class SkeletonRegistrationTest : public SkeletonCallbacksTest,
-                                 public ::testing::WithParamInterface<RegistrationCase> {};
-
-TEST_P(SkeletonRegistrationTest, NewClientIsToldTheHostStatusAlone) {
-    const RegistrationCase& c = GetParam();
-    if (c.fodForbidden) setProp("ro.vendor.zarel.display.cwb.fod_forbidden", "1");
-    boot();
-    run(c.before);
-    host::log::clear();
-    auto cb = make(/*fail=*/true);  // the outcome of this call is not looked at
-    EXPECT_EQ(Error::NONE, registerCb(cb));
-    EXPECT_EQ(std::vector<bool>{c.told}, cb->statuses());
-    EXPECT_EQ(1u, peer->callbackCount());
-    EXPECT_TRUE(host::log::lines().empty());
-}
-
-INSTANTIATE_TEST_SUITE_P(States, SkeletonRegistrationTest,
-                         ::testing::Values(RegistrationCase{"Fresh", false, "", true},
-                                           RegistrationCase{"AfterDisable", false, "D", true},
-                                           RegistrationCase{"AfterHostOff", false, "s", false},
-                                           RegistrationCase{"HostOffEnable", false, "sE", false},
-                                           RegistrationCase{"HostOffOn", false, "sS", true},
-                                           RegistrationCase{"WithFingerprint", true, "F", true}),
-                         caseName<RegistrationCase>);
 
 struct BroadcastCase {
     const char* name;
     bool fodForbidden;
     const char* steps;
     std::vector<bool> told;  // broadcasts after the registration's own notification
+    bool hostStatus;         // what a client registering afterwards is told
 };
 
 class SkeletonBroadcastTest : public SkeletonCallbacksTest,
                               public ::testing::WithParamInterface<BroadcastCase> {};
 
+// Two live clients and a stale one: every broadcast reaches all three, is logged per live client
+// and warned about per stale one, and the stale client stays registered.
 TEST_P(SkeletonBroadcastTest, StatusIsBroadcastToEveryClient) {
     const BroadcastCase& c = GetParam();
-    if (c.fodForbidden) setProp("ro.vendor.zarel.display.cwb.fod_forbidden", "1");
+    if (c.fodForbidden) setProp(prop("fod_forbidden"), "1");
     boot();
-    auto first = make();
-    auto second = make();
-    registerCb(first);
-    registerCb(second);
+    std::vector<std::shared_ptr<RecordingCallback>> clients{
+            RecordingCallback::make(), RecordingCallback::make(), RecordingCallback::make(true)};
+    for (auto& cb : clients) registerCb(cb);
     host::log::clear();
     run(c.steps);
 
     std::vector<bool> expected{true};
     expected.insert(expected.end(), c.told.begin(), c.told.end());
-    EXPECT_EQ(expected, first->statuses());
-    EXPECT_EQ(expected, second->statuses());
+    for (auto& cb : clients) EXPECT_EQ(expected, cb->statuses());
     const auto falses = static_cast<size_t>(std::count(c.told.begin(), c.told.end(), false));
     EXPECT_EQ(2 * falses, logCount(ANDROID_LOG_INFO, "Notify CWB status: 0"));
     EXPECT_EQ(2 * (c.told.size() - falses), logCount(ANDROID_LOG_INFO, "Notify CWB status: 1"));
-}
+    EXPECT_EQ(c.told.size(), logCount(ANDROID_LOG_WARN, "Stale client connection!"));
 
-INSTANTIATE_TEST_SUITE_P(
-        Steps, SkeletonBroadcastTest,
-        ::testing::Values(
-                BroadcastCase{"Disable", false, "D", {false}},
-                BroadcastCase{
-                        "UnchangedValuesStillBroadcast", false, "DDEE", {false, false, true, true}},
-                BroadcastCase{"HostOffThenClientEnable", false, "sE", {false, false}},
-                BroadcastCase{"HostOffOn", false, "sS", {false, true}},
-                BroadcastCase{"FingerprintIgnoredWithoutRestriction", false, "FfF", {}},
-                BroadcastCase{"FingerprintThenDisable", false, "FD", {false}},
-                BroadcastCase{"FingerprintTwiceBroadcastsOnce", true, "FF", {false}},
-                BroadcastCase{"FingerprintComesAndGoes", true, "FFff", {false, true}},
-                BroadcastCase{"FingerprintGoneWithoutComing", true, "f", {}},
-                BroadcastCase{"EnableWhileFingerprintPresent", true, "FE", {false, false}},
-                BroadcastCase{"FingerprintGoneWhileDisabled", true, "FDf", {false, false, false}}),
-        caseName<BroadcastCase>);
-
-TEST_F(SkeletonCallbacksTest, StaleClientIsLoggedAndKept) {
-    boot();
-    auto dead = make(/*fail=*/true);
-    auto alive = make();
-    registerCb(dead);
-    registerCb(alive);
+    // A new client is told the host status alone, silently, whatever its own call returns.
     host::log::clear();
-    run("D");
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_WARN, "Stale client connection!"));
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO, "Notify CWB status: 0"));
-    run("E");
-    EXPECT_EQ(2u, logCount(ANDROID_LOG_WARN, "Stale client connection!"));
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO, "Notify CWB status: 1"));
-    EXPECT_EQ((std::vector<bool>{true, false, true}), dead->statuses());
-    EXPECT_EQ((std::vector<bool>{true, false, true}), alive->statuses());
-    EXPECT_EQ(2u, peer->callbackCount());
+    auto late = RecordingCallback::make(/*fail=*/true);
+    EXPECT_EQ(Error::NONE, registerCb(late));
+    EXPECT_EQ(std::vector<bool>{c.hostStatus}, late->statuses());
+    EXPECT_EQ(4u, peer->callbackCount());
+    EXPECT_TRUE(host::log::lines().empty());
 }
 
-TEST_F(SkeletonCallbacksTest, DuplicateRegistrationIsNotifiedTwiceAndRemovedAtOnce) {
-    boot();
-    auto cb = make();
-    registerCb(cb);
-    registerCb(cb);
-    run("D");
-    EXPECT_EQ((std::vector<bool>{true, true, false, false}), cb->statuses());
-    EXPECT_EQ(Error::NONE, unregisterCb(cb));
-    EXPECT_EQ(0u, peer->callbackCount());
-    run("E");
-    EXPECT_EQ(4u, cb->statuses().size());
-}
+const BroadcastCase kBroadcasts[] = {
+        {"UnchangedValuesStillBroadcast", false, "DDEE", {false, false, true, true}, true},
+        {"HostOffThenClientEnable", false, "sE", {false, false}, false},
+        {"HostOffOn", false, "sS", {false, true}, true},
+        {"FingerprintIgnoredWithoutRestriction", false, "FfF", {}, true},
+        {"FingerprintThenDisable", false, "FD", {false}, true},
+        {"FingerprintTwiceBroadcastsOnce", true, "FF", {false}, true},
+        {"FingerprintComesAndGoes", true, "FFff", {false, true}, true},
+        {"FingerprintGoneWithoutComing", true, "f", {}, true},
+        {"EnableWhileFingerprintPresent", true, "FE", {false, false}, true},
+        {"FingerprintGoneWhileDisabled", true, "FDf", {false, false, false}, true},
+};
+INSTANTIATE_TEST_SUITE_P(Steps, SkeletonBroadcastTest, ::testing::ValuesIn(kBroadcasts),
+                         caseName<BroadcastCase>);
 
-TEST_F(SkeletonCallbacksTest, UnregisterOfUnknownClientChangesNothing) {
+// Broadcasts go in cookie order; a client registered twice is told twice and unregistered at
+// once; unregistering an unknown client changes nothing.
+TEST_F(SkeletonCallbacksTest, CookiesOrderBroadcastsAndUnregisterRemovesEveryEntry) {
     boot();
-    auto stranger = make();
+    for (uint64_t expected : {0u, 1u, 2u}) EXPECT_EQ(expected, service->generateCookie());
+    auto stranger = RecordingCallback::make();
     EXPECT_EQ(Error::NONE, unregisterCb(stranger));  // empty map
-    auto cb = make();
-    registerCb(cb);
-    EXPECT_EQ(Error::NONE, unregisterCb(stranger));
-    EXPECT_EQ(1u, peer->callbackCount());
-    run("D");
-    EXPECT_EQ((std::vector<bool>{true, false}), cb->statuses());
-    EXPECT_TRUE(stranger->statuses().empty());
-}
-
-TEST_F(SkeletonCallbacksTest, CookiesCountUpAndBroadcastsFollowThem) {
-    boot();
-    EXPECT_EQ(0u, service->generateCookie());
-    EXPECT_EQ(1u, service->generateCookie());
-    EXPECT_EQ(2u, service->generateCookie());
-    std::vector<int> order;  // every broadcast here runs on this thread
+    std::vector<int> order;                          // every broadcast here runs on this thread
     std::vector<std::shared_ptr<RecordingCallback>> cbs;
     for (int id = 0; id < 3; ++id) {
-        cbs.push_back(make());
+        cbs.push_back(RecordingCallback::make());
         registerCb(cbs.back());  // takes 3, 4, 5
         cbs.back()->hook = [&order, id](bool) { order.push_back(id); };
     }
     EXPECT_EQ(6u, service->generateCookie());
     unregisterCb(cbs[1]);
-    registerCb(cbs[1]);  // a new, later cookie
+    registerCb(cbs[1]);  // 7
+    registerCb(cbs[0]);  // 8, and still 3
+    EXPECT_EQ(Error::NONE, unregisterCb(stranger));
+    EXPECT_EQ(4u, peer->callbackCount());
     order.clear();
     run("D");
-    EXPECT_EQ((std::vector<int>{0, 2, 1}), order);
+    EXPECT_EQ((std::vector<int>{0, 2, 1, 0}), order);
+    EXPECT_EQ(Error::NONE, unregisterCb(cbs[0]));
+    order.clear();
+    run("E");
+    EXPECT_EQ((std::vector<int>{2, 1}), order);
+    EXPECT_TRUE(stranger->statuses().empty());
     for (auto& cb : cbs) cb->hook = nullptr;
 }
 
-struct ReentryCase {
-    const char* name;
-    char trigger;  // 'R' the registration itself, else a step of run()
-};
-
 class SkeletonReentryTest : public SkeletonCallbacksTest,
-                            public ::testing::WithParamInterface<ReentryCase> {};
+                            public ::testing::WithParamInterface<const char*> {};
 
 TEST_P(SkeletonReentryTest, ClientMayUnregisterFromItsOwnNotification) {
     boot();
-    const char trigger = GetParam().trigger;
-    auto self = make();
-    if (trigger != 'R') registerCb(self);
-    registerCb(make());
-    CwbService* svc = service.get();
+    const std::string trigger = GetParam();
+    auto self = RecordingCallback::make();
+    if (trigger != "Registration") registerCb(self);
+    registerCb(RecordingCallback::make());
     std::weak_ptr<RecordingCallback> weakSelf = self;
     std::atomic<int> reentries{0};
-    self->hook = [svc, weakSelf, &reentries](bool) {
+    self->hook = [svc = service.get(), weakSelf, &reentries](bool) {
         Error result;
         if (auto me = weakSelf.lock()) svc->unregisterCallback(me, &result);
         ++reentries;
     };
     // On another thread, so that a deadlock shows as a timeout instead of a hung suite.
-    auto done = std::make_shared<std::promise<void>>();
-    std::future<void> finished = done->get_future();
+    auto done = std::make_shared<std::atomic<bool>>(false);
     std::thread worker([this, trigger, self, done] {
-        const char steps[] = {trigger, '\0'};
-        if (trigger == 'R') {
+        if (trigger == "Registration") {
             registerCb(self);
         } else {
-            run(steps);
+            run(trigger == "ClientDisable" ? "D" : "s");
         }
-        done->set_value();
+        *done = true;
     });
-    if (finished.wait_for(std::chrono::seconds(5)) != std::future_status::ready) {
+    if (!waitFor([&done] { return done->load(); }, std::chrono::seconds(5))) {
         worker.detach();  // stuck for good
         FAIL() << "deadlock: the client's call back into the service never returned";
     }
@@ -276,10 +192,61 @@ TEST_P(SkeletonReentryTest, ClientMayUnregisterFromItsOwnNotification) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Triggers, SkeletonReentryTest,
-                         ::testing::Values(ReentryCase{"Registration", 'R'},
-                                           ReentryCase{"ClientDisable", 'D'},
-                                           ReentryCase{"HostStatus", 's'}),
-                         caseName<ReentryCase>);
+                         ::testing::Values("Registration", "ClientDisable", "HostOff"),
+                         [](const auto& info) { return std::string(info.param); });
+
+using SkeletonStressTest = SkeletonCallbacksTest;
+
+// Clients switching the service and (un)registering while the host reports status and
+// fingerprint-layer changes: no race, no lost registration, no cookie handed out twice.
+TEST_F(SkeletonStressTest, ConcurrentClientsAndHostEvents) {
+    constexpr int kClients = 3;
+    constexpr int kIterations = 200;
+    setProp(prop("fod_forbidden"), "1");
+    boot();
+    auto stale = RecordingCallback::make(/*fail=*/true);
+    registerCb(stale);
+
+    std::atomic<bool> go{false};
+    std::vector<std::thread> threads;
+    const auto start = std::chrono::steady_clock::now();
+    for (int t = 0; t < kClients; ++t) {
+        threads.emplace_back([&, t] {
+            while (!go.load()) std::this_thread::yield();
+            auto mine = RecordingCallback::make();
+            for (int i = 0; i < kIterations; ++i) {
+                registerCb(mine);
+                run((i + t) % 2 == 0 ? "E" : "D");
+                service->generateCookie();
+                unregisterCb(mine);
+            }
+            // At least each registration's own notification.
+            EXPECT_GE(mine->statuses().size(), static_cast<size_t>(kIterations));
+        });
+    }
+    threads.emplace_back([&] {
+        while (!go.load()) std::this_thread::yield();
+        for (int i = 0; i < kIterations; ++i) {
+            composer->status(i % 3 != 0);
+            composer->fodLayer(i % 2 == 0);
+            composer->aodLayer(i % 2 != 0);
+        }
+    });
+    go = true;
+    for (auto& thread : threads) thread.join();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(60));
+
+    EXPECT_EQ(1u, peer->callbackCount());
+    EXPECT_GT(stale->statuses().size(), 1u);
+    // One cookie per registration and generateCookie call: none lost, so none handed out twice.
+    EXPECT_EQ(static_cast<uint64_t>(1 + 2 * kClients * kIterations), service->generateCookie());
+
+    // Settled again: the last broadcast reflects the last switches.
+    run("SfE");
+    EXPECT_TRUE(stale->statuses().back());
+    run("D");
+    EXPECT_FALSE(stale->statuses().back());
+}
 
 }  // namespace
 }  // namespace cwbtest

@@ -1,37 +1,36 @@
 // The settings read once at construction: defaults, the atoi reading of every integer setting,
 // the ct_range bands of the colour sampler, and the start-up status line.
-#include <functional>
-
-#include "service_fixture.h"
+#include "skeleton_helpers.h"
 
 namespace cwbtest {
 namespace {
 
-constexpr const char* kPrefix = "ro.vendor.zarel.display.cwb.";
+using Reader = std::function<int(CwbServiceTestPeer&)>;
+
+// Every integer setting, its value when unset, and where the service keeps it.
+const std::map<std::string, std::pair<int, Reader>> kSettings{
+        {"rotate", {0, [](auto& p) { return p.cwbRotate(); }}},
+        {"rotate_main", {0, [](auto& p) { return p.cwbRotateMain(); }}},
+        {"rotate_sec", {0, [](auto& p) { return p.cwbRotateSec(); }}},
+        {"display_id", {-1, [](auto& p) { return p.displayIdMain(); }}},
+        {"display_id_sec", {-1, [](auto& p) { return p.displayIdSec(); }}},
+        {"postprocess", {0, [](auto& p) { return p.postProcess(); }}},
+        {"roi", {0, [](auto& p) { return p.roiSupport(); }}},
+        {"aod_forbidden", {0, [](auto& p) { return p.aodForbidden(); }}},
+        {"fod_forbidden", {0, [](auto& p) { return p.fodForbidden(); }}},
+        {"apl_read_support", {0, [](auto& p) { return p.aplReadSupport(); }}},
+};
 
 using SkeletonSettingsTest = ServiceTest;
 
 TEST_F(SkeletonSettingsTest, DefaultsWithNoProperties) {
     host::properties::clear();
     boot();
-    EXPECT_EQ(0, peer->cwbRotate());
-    EXPECT_EQ(0, peer->cwbRotateMain());
-    EXPECT_EQ(0, peer->cwbRotateSec());
-    EXPECT_FALSE(peer->postProcess());
-    EXPECT_FALSE(peer->roiSupport());
-    EXPECT_FALSE(peer->aodForbidden());
-    EXPECT_FALSE(peer->fodForbidden());
-    EXPECT_FALSE(peer->aplReadSupport());
-    EXPECT_EQ(-1, peer->displayIdMain());
-    EXPECT_EQ(-1, peer->displayIdSec());
+    for (const auto& [key, setting] : kSettings) {
+        EXPECT_EQ(setting.first, setting.second(*peer)) << key;
+    }
     EXPECT_EQ(-1, peer->displayId());
-    EXPECT_FALSE(peer->colorTemp().mEnabled);
-    EXPECT_FALSE(peer->colorTemp().mDebug);
-    EXPECT_FALSE(peer->debugLog());
-    EXPECT_FALSE(peer->dump());
-    EXPECT_FALSE(peer->disablePostProcessedFlag());
-    EXPECT_TRUE(peer->cwbStatus());
-    EXPECT_TRUE(peer->cwbEnabled());
+    EXPECT_FALSE(peer->colorTemp().mEnabled || peer->colorTemp().mDebug);
     // The main display is read whatever its id; the secondary one is not configured.
     EXPECT_TRUE(peer->configInitialized());
     EXPECT_EQ(0u, peer->configCount(true));
@@ -41,15 +40,13 @@ TEST_F(SkeletonSettingsTest, DefaultsWithNoProperties) {
 }
 
 TEST_F(SkeletonSettingsTest, StatusLineReportsTheSettings) {
-    setProp(std::string(kPrefix) + "rotate", "2");
-    setProp(std::string(kPrefix) + "rotate_main", "1");
-    setProp(std::string(kPrefix) + "postprocess", "1");
-    setProp(std::string(kPrefix) + "roi", "1");
-    setProp(std::string(kPrefix) + "aod_forbidden", "1");
-    setProp(std::string(kPrefix) + "fod_forbidden", "1");
+    for (const char* key : {"rotate", "postprocess", "roi", "aod_forbidden", "fod_forbidden"}) {
+        setProp(prop(key), "1");
+    }
+    setProp(prop("rotate_main"), "2");  // not the rotation reported
     boot();
     EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO,
-                           "debug status: debug log: 0, dump: 0, rotation: 2, post process: 1, "
+                           "debug status: debug log: 0, dump: 0, rotation: 1, post process: 1, "
                            "roi support: 1, aod_forbidden: 1, fod_forbidden: 1, display_id: 0\n"));
 }
 
@@ -57,142 +54,72 @@ struct IntSetting {
     const char* key;
     const char* value;
     int expected;
-    std::function<int(CwbServiceTestPeer&)> read;
 };
-
-std::ostream& operator<<(std::ostream& os, const IntSetting& s) {
-    return os << s.key << "=\"" << s.value << "\"";
-}
 
 class SkeletonIntSettingTest : public ServiceTest,
                                public ::testing::WithParamInterface<IntSetting> {};
 
 TEST_P(SkeletonIntSettingTest, ReadLikeAtoi) {
     const IntSetting& s = GetParam();
-    setProp(std::string(kPrefix) + s.key, s.value);
+    SCOPED_TRACE(std::string(s.key) + "=\"" + s.value + "\"");
+    setProp(prop(s.key), s.value);
     boot();
-    EXPECT_EQ(s.expected, s.read(*peer));
+    EXPECT_EQ(s.expected, kSettings.at(s.key).second(*peer));
 }
 
-int rotate(CwbServiceTestPeer& p) {
-    return p.cwbRotate();
-}
-int rotateMain(CwbServiceTestPeer& p) {
-    return p.cwbRotateMain();
-}
-int rotateSec(CwbServiceTestPeer& p) {
-    return p.cwbRotateSec();
-}
-int displayIdMain(CwbServiceTestPeer& p) {
-    return p.displayIdMain();
-}
-int displayIdSec(CwbServiceTestPeer& p) {
-    return p.displayIdSec();
-}
-int postProcess(CwbServiceTestPeer& p) {
-    return p.postProcess();
-}
-int roi(CwbServiceTestPeer& p) {
-    return p.roiSupport();
-}
-int aod(CwbServiceTestPeer& p) {
-    return p.aodForbidden();
-}
-int fod(CwbServiceTestPeer& p) {
-    return p.fodForbidden();
-}
-int apl(CwbServiceTestPeer& p) {
-    return p.aplReadSupport();
-}
-
-INSTANTIATE_TEST_SUITE_P(EdgeValues, SkeletonIntSettingTest,
-                         ::testing::Values(IntSetting{"rotate", "12abc", 12, rotate},
-                                           IntSetting{"rotate", "abc", 0, rotate},
-                                           IntSetting{"rotate", " 7", 7, rotate},
-                                           IntSetting{"rotate", "-1", -1, rotate},
-                                           IntSetting{"rotate_main", "0x5a", 0, rotateMain},
-                                           IntSetting{"rotate_sec", "\t270", 270, rotateSec},
-                                           IntSetting{"display_id", "12abc", 12, displayIdMain},
-                                           IntSetting{"display_id", "abc", 0, displayIdMain},
-                                           IntSetting{"display_id", "", -1, displayIdMain},
-                                           IntSetting{"display_id_sec", " 3", 3, displayIdSec},
-                                           IntSetting{"postprocess", "-1", 1, postProcess},
-                                           IntSetting{"postprocess", "0x1", 0, postProcess},
-                                           IntSetting{"roi", "12abc", 1, roi},
-                                           IntSetting{"aod_forbidden", " 7", 1, aod},
-                                           IntSetting{"aod_forbidden", "true", 0, aod},
-                                           IntSetting{"fod_forbidden", "-1", 1, fod},
-                                           IntSetting{"apl_read_support", "2", 1, apl},
-                                           IntSetting{"apl_read_support", "yes", 0, apl}));
+const IntSetting kIntSettings[] = {
+        {"rotate", "12abc", 12},     {"rotate", "abc", 0},         {"rotate", " 7", 7},
+        {"rotate", "-1", -1},        {"rotate_main", "0x5a", 0},   {"rotate_sec", "\t270", 270},
+        {"display_id", "12abc", 12}, {"display_id", "abc", 0},     {"display_id", "", -1},
+        {"display_id_sec", " 3", 3}, {"postprocess", "-1", 1},     {"postprocess", "0x1", 0},
+        {"roi", "12abc", 1},         {"aod_forbidden", " 7", 1},   {"aod_forbidden", "true", 0},
+        {"fod_forbidden", "-1", 1},  {"apl_read_support", "2", 1}, {"apl_read_support", "yes", 0}};
+INSTANTIATE_TEST_SUITE_P(EdgeValues, SkeletonIntSettingTest, ::testing::ValuesIn(kIntSettings));
 
 struct CtRangeCase {
     const char* value;
     bool enabled;
     std::vector<int32_t> stored;  // leading limits that must hold these values
-    const char* error;            // the ERROR line, or nullptr when none is expected
+    int badPiece;                 // the piece named in the ERROR line; -1 when none is expected
 };
-
-std::ostream& operator<<(std::ostream& os, const CtRangeCase& c) {
-    return os << "ct_range=\"" << c.value << "\"";
-}
 
 class SkeletonCtRangeTest : public ServiceTest,
                             public ::testing::WithParamInterface<CtRangeCase> {};
 
 TEST_P(SkeletonCtRangeTest, ExactlyFourIntegersEnableTheSampler) {
     const CtRangeCase& c = GetParam();
-    setProp(std::string(kPrefix) + "ct_range", c.value);
+    SCOPED_TRACE(std::string("ct_range=\"") + c.value + "\"");
+    setProp(prop("ct_range"), c.value);
     boot();
     const auto& helper = peer->colorTemp();
     EXPECT_EQ(c.enabled, helper.mEnabled);
-    for (size_t i = 0; i < c.stored.size(); ++i) {
-        EXPECT_EQ(c.stored[i], helper.mCtRange[i]) << "limit " << i;
-    }
-    size_t errors = 0;
-    for (const host::log::Line& line : host::log::lines()) {
-        if (line.priority == ANDROID_LOG_ERROR && line.text.rfind("ct_range", 0) == 0) ++errors;
-    }
-    if (c.error != nullptr) {
-        EXPECT_EQ(1u, errors);
-        EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, c.error));
-    } else {
-        EXPECT_EQ(0u, errors);
+    EXPECT_EQ(c.stored, std::vector<int32_t>(helper.mCtRange, helper.mCtRange + c.stored.size()));
+    EXPECT_EQ(c.badPiece < 0 ? 0u : 1u, host::log::countContaining("ct_range"));
+    if (c.badPiece >= 0) {
+        EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR,
+                               "ct_range \"" + std::string(c.value) + "\": piece " +
+                                       std::to_string(c.badPiece) +
+                                       " is not an int32, colour classification disabled"));
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-        Values, SkeletonCtRangeTest,
-        ::testing::Values(
-                CtRangeCase{"10,20,30,40", true, {10, 20, 30, 40}, nullptr},
-                CtRangeCase{"10,20,30", false, {10, 20, 30}, nullptr},
-                CtRangeCase{"10,20,30,40,50", false, {10, 20, 30, 40}, nullptr},
-                CtRangeCase{",10,,20,30,40", true, {10, 20, 30, 40}, nullptr},
-                CtRangeCase{"0,10,245,255,", true, {0, 10, 245, 255}, nullptr},
-                CtRangeCase{" 1, 2,\t3, 4", true, {1, 2, 3, 4}, nullptr},
-                CtRangeCase{"-5,+6,7x,8", true, {-5, 6, 7, 8}, nullptr},
-                CtRangeCase{"", false, {}, nullptr}, CtRangeCase{",,,", false, {}, nullptr},
-                // Pieces after the fourth are counted, never converted.
-                CtRangeCase{"10,20,30,40,abc", false, {10, 20, 30, 40}, nullptr},
-                CtRangeCase{"10,abc,30,40",
-                            false,
-                            {10},
-                            "ct_range \"10,abc,30,40\": piece 1 is not "
-                            "an int32, colour classification disabled"},
-                CtRangeCase{"10, ,30,40",
-                            false,
-                            {10},
-                            "ct_range \"10, ,30,40\": piece 1 is not an "
-                            "int32, colour classification disabled"},
-                CtRangeCase{"10,20,30,2147483648",
-                            false,
-                            {10, 20, 30},
-                            "ct_range \"10,20,30,2147483648\": piece 3 is not an int32, colour "
-                            "classification disabled"},
-                CtRangeCase{"-2147483649,1,2,3",
-                            false,
-                            {},
-                            "ct_range \"-2147483649,1,2,3\": piece 0 is not an int32, colour "
-                            "classification disabled"}));
+const CtRangeCase kCtRanges[] = {
+        {"10,20,30,40", true, {10, 20, 30, 40}, -1},
+        {"10,20,30", false, {10, 20, 30}, -1},
+        {"10,20,30,40,50", false, {10, 20, 30, 40}, -1},
+        {",10,,20,30,40", true, {10, 20, 30, 40}, -1},
+        {"0,10,245,255,", true, {0, 10, 245, 255}, -1},
+        {" 1, 2,\t3, 4", true, {1, 2, 3, 4}, -1},
+        {"-5,+6,7x,8", true, {-5, 6, 7, 8}, -1},
+        {"", false, {}, -1},
+        {",,,", false, {}, -1},
+        {"10,20,30,40,abc", false, {10, 20, 30, 40}, -1},  // pieces after the fourth: counted only
+        {"10,abc,30,40", false, {10}, 1},
+        {"10, ,30,40", false, {10}, 1},
+        {"10,20,30,2147483648", false, {10, 20, 30}, 3},
+        {"-2147483649,1,2,3", false, {}, 0},
+};
+INSTANTIATE_TEST_SUITE_P(Values, SkeletonCtRangeTest, ::testing::ValuesIn(kCtRanges));
 
 }  // namespace
 }  // namespace cwbtest
