@@ -1,101 +1,74 @@
-// Validity of the captured frame: layer changes, the trace counters that publish it, and the
-// explicit emptying of the result caches.
-#include "service_fixture.h"
+// Validity of the captured frame: layer changes, the trace counters that publish it, and how long
+// the result caches live.
+#include "capture_helpers.h"
 
 namespace cwbtest {
 namespace {
 
-using Outcome = host::device::SimulatedDisplayConfig::Outcome;
 using Counts = std::vector<int64_t>;
+using CacheSizes = std::vector<size_t>;  // RGB, luma, histogram
 
-class CaptureCacheTest : public ServiceTest {
+class CaptureCacheTest : public CaptureTest {
   protected:
-    int capture() { return peer->setCWBOutputBuffer(rect(0, 0, 0, 0), false); }
-    size_t vendorRequests() { return device->displayConfig()->requests().size(); }
+    CacheSizes cacheSizes() { return {peer->cacheSize(0), peer->cacheSize(1), peer->cacheSize(2)}; }
 };
 
-TEST_F(CaptureCacheTest, LayerChangesCountUpAndACaptureResetsThem) {
+TEST_F(CaptureCacheTest, ResultsLiveAsLongAsTheirFrame) {
+    auto frame = host::device::Frame::filled(1080, 2400, 0, 0, 0);
+    device->setFrame(PanelId::Main, FrameKind::Mixer, frame);
     bootOn();
     host::trace::setEnabledTags(1 << 1);
-    host::trace::clear();
-    for (int i = 0; i < 3; ++i) composer->layerChange();
-    EXPECT_EQ(3, peer->invalidCacheCount());
-    EXPECT_EQ((Counts{1, 2, 3}), host::trace::counterValues("mInvalidCacheCount"));
-    EXPECT_EQ((Counts{0, 0, 0}), host::trace::counterValues("BufferCacheValid"));
-
-    ASSERT_EQ(0, capture());
-    EXPECT_EQ(0, peer->invalidCacheCount());
-    EXPECT_TRUE(peer->bufferCacheValid());
-    EXPECT_EQ((Counts{1, 2, 3, 0}), host::trace::counterValues("mInvalidCacheCount"));
-    EXPECT_EQ((Counts{0, 0, 0, 1}), host::trace::counterValues("BufferCacheValid"));
-
-    // A failed capture zeroes the count too but never publishes a current frame.
-    composer->layerChange();
-    device->displayConfig()->pushOutcome(Outcome::Error, -1);
-    ASSERT_EQ(-4, capture());
-    EXPECT_FALSE(peer->bufferCacheValid());
-    EXPECT_EQ((Counts{1, 2, 3, 0, 1, 0}), host::trace::counterValues("mInvalidCacheCount"));
-    EXPECT_EQ((Counts{0, 0, 0, 1, 0}), host::trace::counterValues("BufferCacheValid"));
-}
-
-TEST_F(CaptureCacheTest, NothingIsTracedWithGraphicsTracingOff) {
-    bootOn();
-    host::trace::setEnabledTags(~(uint64_t{1} << 1));
-    host::trace::clear();
-    composer->layerChange();
-    ASSERT_EQ(0, capture());
-    composer->layerChange();
-    ASSERT_TRUE(gateOpen());
-    EXPECT_EQ(0, rgb(rect(0, 0, 10, 10)).first & 0xFFFF);
-    EXPECT_TRUE(host::trace::events().empty());
-    // The state itself moves all the same.
-    EXPECT_TRUE(peer->bufferCacheValid());
-    EXPECT_EQ(0, peer->invalidCacheCount());
-}
-
-TEST_F(CaptureCacheTest, ClearCacheEmptiesResultsButKeepsTheFrameCurrent) {
-    bootOn();
     const Rect r = rect(0, 0, 100, 100);
+    // One entry in each result cache, each from a capture of its own.
     ASSERT_EQ(0, rgb(r).first & 0xFFFF);
     ASSERT_TRUE(gateOpen());
     ASSERT_EQ(Error::NONE, luma(r).first);
     ASSERT_TRUE(gateOpen());
     ASSERT_EQ(Error::NONE, histogram(r).first);
-    for (int which = 0; which < 3; ++which) ASSERT_EQ(1u, peer->cacheSize(which)) << which;
-    const size_t captured = vendorRequests();
+    ASSERT_EQ((CacheSizes{1, 1, 1}), cacheSizes());
+    const size_t captured = vendor().requests().size();
 
-    // Served from the cache while the frame is current.
+    // While the frame is current, answers come from the cache and a capture keeps the entries.
     ASSERT_EQ(0, rgb(r).first & 0xFFFF);
-    EXPECT_EQ(captured, vendorRequests());
+    EXPECT_EQ(captured, vendor().requests().size());
+    ASSERT_EQ(0, capture());
+    EXPECT_EQ((CacheSizes{1, 1, 1}), cacheSizes());
 
-    service->clearCache();
-    for (int which = 0; which < 3; ++which) EXPECT_EQ(0u, peer->cacheSize(which)) << which;
-    EXPECT_TRUE(peer->bufferCacheValid());
-
-    // The same rectangle now misses and captures a new frame once the gate is open.
-    ASSERT_TRUE(gateOpen());
-    ASSERT_EQ(0, rgb(r).first & 0xFFFF);
-    EXPECT_EQ(captured + 1, vendorRequests());
-    EXPECT_EQ(1u, peer->cacheSize(0));
-}
-
-TEST_F(CaptureCacheTest, LayerChangeStopsCachedAnswersAndTheCaptureDropsOldEntries) {
-    host::device::Frame frame = host::device::Frame::filled(1080, 2400, 0, 0, 0);
-    device->setFrame(PanelId::Main, FrameKind::Mixer, frame);
-    bootOn();
-    ASSERT_EQ(0, rgb(rect(0, 0, 100, 100)).first & 0xFFFF);
-    ASSERT_TRUE(gateOpen());
-    ASSERT_EQ(0, rgb(rect(100, 100, 200, 200)).first & 0xFFFF);
-    ASSERT_EQ(2u, peer->cacheSize(0));
-
+    // Layer changes count up, published as traced counters; the next request captures the new
+    // picture instead of answering from the cache, and its capture drops every old entry.
     frame.fillRect(0, 0, 100, 100, {255, 255, 255});
     device->setFrame(PanelId::Main, FrameKind::Mixer, frame);
-    composer->layerChange();
+    host::trace::clear();
+    for (int i = 0; i < 3; ++i) composer->layerChange();
+    EXPECT_EQ(3, peer->invalidCacheCount());
     ASSERT_TRUE(gateOpen());
-    const auto [word, colour] = rgb(rect(0, 0, 100, 100));
+    const auto [word, colour] = rgb(r);
     EXPECT_EQ(0, word & 0xFFFF);
     EXPECT_EQ(255, colour.r);
-    EXPECT_EQ(1u, peer->cacheSize(0));  // the other rectangle's entry went with the old frame
+    EXPECT_EQ((CacheSizes{1, 0, 0}), cacheSizes());
+    EXPECT_EQ((Counts{1, 2, 3, 0}), host::trace::counterValues("mInvalidCacheCount"));
+    EXPECT_EQ((Counts{0, 0, 0, 1}), host::trace::counterValues("BufferCacheValid"));
+
+    // Stale again: emptied before the vendor is asked, even when it refuses, and the refusal
+    // zeroes the count but never publishes a current frame.
+    composer->layerChange();
+    vendor().pushOutcome(Outcome::Refuse);
+    ASSERT_EQ(1, capture());
+    EXPECT_EQ((CacheSizes{0, 0, 0}), cacheSizes());
+    EXPECT_FALSE(peer->bufferCacheValid());
+    EXPECT_EQ((Counts{1, 2, 3, 0, 1, 0}), host::trace::counterValues("mInvalidCacheCount"));
+    EXPECT_EQ((Counts{0, 0, 0, 1, 0}), host::trace::counterValues("BufferCacheValid"));
+
+    // Emptied on request while the frame stays current; the same rectangle then captures anew.
+    ASSERT_TRUE(gateOpen());
+    ASSERT_EQ(0, rgb(r).first & 0xFFFF);
+    service->clearCache();
+    EXPECT_EQ((CacheSizes{0, 0, 0}), cacheSizes());
+    EXPECT_TRUE(peer->bufferCacheValid());
+    const size_t before = vendor().requests().size();
+    ASSERT_TRUE(gateOpen());
+    ASSERT_EQ(0, rgb(r).first & 0xFFFF);
+    EXPECT_EQ(before + 1, vendor().requests().size());
 }
 
 }  // namespace
