@@ -1,20 +1,23 @@
 // Crops of the captured frame exported into a client's shared memory: the client's whole
-// sequence, the capture modes, the copy throttle and every way a client can misuse the region.
+// sequence, the region's lifecycle, every way a client can misuse the region, and all of it from
+// several threads at once.
 #include <android/binder_status.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utils/Timers.h>
 
+#include <algorithm>
 #include <atomic>
 #include <climits>
 #include <cstring>
 #include <fstream>
 #include <thread>
+#include <tuple>
 
-#include "service_fixture.h"
+#include "features_helpers.h"
 
-namespace cwbtest {
+namespace cwbtest::features {
 namespace {
 
 using aidl::vendor::zarel::hardware::cwb::implementation::mLightModeID;
@@ -25,502 +28,337 @@ constexpr int kAi = 3;
 constexpr int kCopy = 5;
 constexpr uint8_t kUntouched = 0x5A;
 constexpr size_t kPage = 4096;
+const std::string kRefused = "MORVIK_AI::CwbService::Error ret=-1";
+const std::string kNoRegion = "MORVIK_AI::The shared space has not been initialized yet";
 
-// A client's region: a memfd of fileSize bytes, mapped whole in the test so that bytes the
-// service must not touch can be checked, even past the length the service maps.
-class ClientRegion {
-  public:
-    explicit ClientRegion(size_t fileSize) : mSize(fileSize) {
+// A client's memfd, mapped whole here so that bytes the service must not touch can be checked,
+// even past the length the service maps.
+struct ClientRegion {
+    explicit ClientRegion(size_t size) : size(size) {
         static std::atomic<int> serial{0};
-        mName = "cwb_client_region_" + std::to_string(getpid()) + "_" + std::to_string(++serial);
-        mFd = ndk::ScopedFileDescriptor(memfd_create(mName.c_str(), MFD_CLOEXEC));
-        EXPECT_GE(mFd.get(), 0);
-        EXPECT_EQ(0, ftruncate(mFd.get(), static_cast<off_t>(fileSize)));
-        void* base = mmap(nullptr, fileSize, PROT_READ | PROT_WRITE, MAP_SHARED, mFd.get(), 0);
-        EXPECT_NE(MAP_FAILED, base);
-        mBase = static_cast<uint8_t*>(base);
-        fill(kUntouched);
+        name = "cwb_client_region_" + std::to_string(getpid()) + "_" + std::to_string(++serial);
+        fd.reset(memfd_create(name.c_str(), MFD_CLOEXEC));
+        EXPECT_EQ(0, ftruncate(fd.get(), static_cast<off_t>(size)));
+        base = static_cast<uint8_t*>(
+                mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd.get(), 0));
+        EXPECT_NE(MAP_FAILED, static_cast<void*>(base));
+        fill();
     }
-    ~ClientRegion() { munmap(mBase, mSize); }
-
-    const ndk::ScopedFileDescriptor& fd() const { return mFd; }
-    uint8_t* data() { return mBase; }
-    size_t size() const { return mSize; }
-    void fill(uint8_t byte) { memset(mBase, byte, mSize); }
-    int64_t timestamp() const {
+    ~ClientRegion() { munmap(base, size); }
+    void fill() { memset(base, kUntouched, size); }
+    // The record's timestamp lies between before and now.
+    bool stampedSince(int64_t before) const {
         int64_t t;
-        memcpy(&t, mBase, sizeof(t));
-        return t;
+        memcpy(&t, base, sizeof(t));
+        return t >= before && t <= systemTime(SYSTEM_TIME_BOOTTIME);
     }
-    // First byte in [from, to) that is not kUntouched, or to.
-    size_t firstTouched(size_t from, size_t to) const {
-        for (size_t i = from; i < to && i < mSize; ++i) {
-            if (mBase[i] != kUntouched) return i;
-        }
-        return to;
+    bool untouchedFrom(size_t from) const {
+        return std::all_of(base + from, base + size, [](uint8_t b) { return b == kUntouched; });
     }
     // Mappings of this memfd in the process, the test's own included.
     size_t mappings() const {
         std::ifstream maps("/proc/self/maps");
         size_t n = 0;
         for (std::string line; std::getline(maps, line);) {
-            if (line.find("/memfd:" + mName + " ") != std::string::npos) ++n;
+            n += line.find("/memfd:" + name + " ") != std::string::npos;
         }
         return n;
     }
 
-  private:
-    std::string mName;
-    ndk::ScopedFileDescriptor mFd;
-    uint8_t* mBase = nullptr;
-    size_t mSize = 0;
+    std::string name;
+    size_t size;
+    ndk::ScopedFileDescriptor fd;
+    uint8_t* base = nullptr;
 };
 
-struct Shared {
-    ndk::ScopedAStatus status;
-    Error error = Error::NONE;
-    std::vector<int32_t> values;
-};
-
-bool serviceSpecificMinusOne(const ndk::ScopedAStatus& status) {
+bool minusOne(const ndk::ScopedAStatus& status) {
     return status.getExceptionCode() == EX_SERVICE_SPECIFIC &&
            status.getServiceSpecificError() == -1;
 }
+
+struct Shared {
+    ndk::ScopedAStatus status;
+    Error error = Error::FAILED;
+    std::vector<int32_t> values;
+
+    bool ok() const { return status.isOk() && error == Error::NONE; }
+    bool refused() const { return minusOne(status) && error == Error::INVALID_ARGUMENT; }
+    int32_t paused() const { return ok() && !values.empty() ? values[0] : -1; }
+};
 
 class SharedMemoryTest : public ServiceTest {
   protected:
     void SetUp() override {
         ServiceTest::SetUp();
-        device->setFrame(PanelId::Main, FrameKind::Mixer, frame);
-    }
-
-    // Every byte of a row differs from its neighbours and from the rows around it, so that a
-    // wrong pitch, offset or channel order shows. Built once: the pixel loop is not free.
-    static const Frame& screen() {
-        static const Frame f = [] {
+        // Every byte of a row differs from its neighbours and from the rows around it, so that a
+        // wrong pitch, offset or channel order shows. Built once: the pixel loop is not free.
+        static const Frame screen = [] {
             Frame out = Frame::filled(1080, 2400, 0, 0, 0);
             for (int y = 0; y < out.height; ++y) {
-                uint8_t* row = out.rgb.data() + static_cast<size_t>(y) * out.width * 3;
                 for (int x = 0; x < out.width; ++x) {
-                    row[x * 3 + 0] = static_cast<uint8_t>(x);
-                    row[x * 3 + 1] = static_cast<uint8_t>(y);
-                    row[x * 3 + 2] = static_cast<uint8_t>(x * 7 + y * 13);
+                    out.setPixel(x, y, {uint8_t(x), uint8_t(y), uint8_t(x * 7 + y * 13)});
                 }
             }
             return out;
         }();
-        return f;
+        frame = &screen;
+        device->setFrame(PanelId::Main, FrameKind::Mixer, screen);
     }
 
     ndk::ScopedAStatus init(const ClientRegion& region, int32_t size) {
-        Error ignored = Error::FAILED;
-        return service->initializeSharedMemory(0, size, region.fd(), &ignored);
+        Error ignored;
+        return service->initializeSharedMemory(0, size, region.fd, &ignored);
     }
 
-    Shared shared(int32_t id, const Rect& r, int32_t bufferSize,
-                  const ndk::ScopedFileDescriptor& fd = ndk::ScopedFileDescriptor()) {
+    Shared shared(int32_t id, const Rect& r, int32_t bufferSize) {
         Shared out;
-        out.error = Error::FAILED;
-        out.status = service->getSharedData(id, r, fd, bufferSize, &out.values, &out.error);
+        out.status = service->getSharedData(id, r, ndk::ScopedFileDescriptor(), bufferSize,
+                                            &out.values, &out.error);
         return out;
     }
 
     // A capture in the current mode; without ROI the whole screen is written back.
-    void capture(const Rect& r = rect(0, 0, 10, 10)) {
+    void capture() {
         ASSERT_TRUE(gateOpen());
-        ASSERT_EQ(0, rgb(r).first & 0xFFFF);
+        ASSERT_EQ(0, rgb(rect(0, 0, 10, 10)).first & 0xFFFF);
     }
 
-    std::vector<int32_t> resolution() {
+    std::vector<int32_t> resolution() {  // logs one line
         std::vector<int32_t> values;
         Error ignored;
         EXPECT_TRUE(service->getScreenResolution(0, &values, &ignored).isOk());
         return values;
     }
 
-    // The record of crop r of the frame, as it must sit in the region.
-    ::testing::AssertionResult holdsRecord(ClientRegion& region, const Rect& r) {
-        const size_t w = r.right - r.left;
-        const size_t h = r.bottom - r.top;
-        const uint8_t* crop = region.data() + 8;
+    // After the timestamp: crop r of the frame, then the marker, then nothing.
+    ::testing::AssertionResult holdsRecord(const ClientRegion& region, const Rect& r) {
+        const size_t w = (r.right - r.left) * 3, h = r.bottom - r.top;
         for (size_t y = 0; y < h; ++y) {
-            if (memcmp(crop + y * w * 3, frame.row(r.top + y) + r.left * 3, w * 3) != 0) {
+            if (memcmp(region.base + 8 + y * w, frame->row(r.top + y) + r.left * 3, w) != 0) {
                 return ::testing::AssertionFailure() << "crop row " << y << " differs";
             }
         }
         const uint8_t marker[4] = {0xEF, 0xBE, 0xAD, 0xDE};
-        if (memcmp(crop + h * w * 3, marker, 4) != 0) {
-            return ::testing::AssertionFailure() << "no marker after the crop";
-        }
-        const size_t end = 8 + h * w * 3 + 4;
-        if (region.firstTouched(end, region.size()) != region.size()) {
-            return ::testing::AssertionFailure() << "bytes after the record were written";
+        if (memcmp(region.base + 8 + h * w, marker, 4) != 0 || !region.untouchedFrom(12 + h * w)) {
+            return ::testing::AssertionFailure() << "no marker, or bytes past it written";
         }
         return ::testing::AssertionSuccess();
     }
 
-    const Frame& frame = screen();
+    const Frame* frame = nullptr;
 };
 
-// ---- The client's sequence ----
-
-TEST_F(SharedMemoryTest, ClientSequenceWithAiCaptureAndThrottle) {
+TEST_F(SharedMemoryTest, ClientSequence) {
     setProp("ro.vendor.zarel.display.cwb.roi", "1");
+    setProp("ro.vendor.zarel.display.cwb.display_id_sec", "3");
     bootOn();
     ClientRegion region(64 * 1024);
     const Rect crop = rect(300, 400, 400, 500);  // 100 x 100: a record of 30012 bytes
     const std::vector<int32_t> status = {0, 100, 100, 1080, 2400};
-
+    auto refused = [&](int32_t bufferSize, const std::string& line) {
+        host::log::clear();
+        EXPECT_TRUE(shared(kCopy, crop, bufferSize).refused());
+        EXPECT_EQ((Lines{{kE, line}, {kE, kRefused}}), logged());
+    };
+    auto copies = [&](int n) {
+        for (int i = 1; i <= n; ++i) {
+            region.fill();
+            const int64_t before = systemTime(SYSTEM_TIME_BOOTTIME);
+            Shared copy = shared(kCopy, crop, 30012);
+            EXPECT_TRUE(copy.ok() && copy.values == status) << i;
+            EXPECT_TRUE(region.stampedSince(before)) << i;
+            EXPECT_TRUE(holdsRecord(region, crop)) << i;
+        }
+    };
+    // Neither a copy without a region nor one without a capture counts towards the pause.
+    refused(30012, kNoRegion);
     ASSERT_TRUE(init(region, 40000).isOk());
-    EXPECT_TRUE(peer->sharedMemoryMapped());
+    ASSERT_TRUE(init(region, 40000).isOk());  // the same descriptor maps once
+    EXPECT_EQ(1u, logCount(kE, "MORVIK_AI::CwbService Create shared memory"));
+    Error ignored;  // no descriptor: refused, the mapping stays
+    EXPECT_TRUE(minusOne(
+            service->initializeSharedMemory(0, kPage, ndk::ScopedFileDescriptor(), &ignored)));
+    EXPECT_EQ(1u, logCount(kE, "MORVIK_AI::Invalid in_fd received"));
     EXPECT_EQ(2u, region.mappings());
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR,
-                           "MORVIK_AI::initializeSharedMemory Initial shared "
-                           "memory"));
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "MORVIK_AI::CwbService Create shared memory"));
-    EXPECT_EQ(1u, host::log::countContaining("MORVIK_AI::mmap success at "));
+    EXPECT_EQ((std::vector<int32_t>{0, 0}), resolution());
+    EXPECT_EQ(1u, logCount(kI,
+                           "MORVIK_AI::CwbService::getScreenResolution "
+                           "resolution height=0 || width=0"));
+    refused(30012, "MORVIK_AI::The screenshot data is empty mCwbBufferHandle.base0");
+    EXPECT_TRUE(region.untouchedFrom(0));
+    for (int id : {0, 1, 4, 6, -1}) {  // only the status
+        Shared s = shared(id, crop, 0);
+        EXPECT_TRUE(s.ok() && s.values == status) << id;
+    }
+    EXPECT_EQ(kLegacy, mLightModeID);
 
     // AI mode: the next writeback covers the crop's rectangle only.
+    const std::string cacheLine = "MORVIK_AI::CwbService::mBufferCacheValid ";
     Shared ai = shared(kAi, crop, 40000);
-    ASSERT_TRUE(ai.status.isOk());
-    EXPECT_EQ(Error::NONE, ai.error);
-    EXPECT_EQ(status, ai.values);
+    EXPECT_TRUE(ai.ok() && ai.values == status);
     EXPECT_EQ(kAi, mLightModeID);
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO,
-                           "MORVIK_AI::CwbService::mBufferCacheValid CWB_AI_VALUE updated to 0"));
+    EXPECT_EQ(1u, logCount(kI, cacheLine + "CWB_AI_VALUE updated to 0"));
     capture();
     const auto requests = device->displayConfig()->requests();
     ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(300, requests[0].rect.left);
-    EXPECT_EQ(400, requests[0].rect.top);
-    EXPECT_EQ(400, requests[0].rect.right);
-    EXPECT_EQ(500, requests[0].rect.bottom);
+    const auto& wb = requests[0].rect;
+    EXPECT_EQ((std::vector<int>{300, 400, 400, 500}),
+              (std::vector<int>{wb.left, wb.top, wb.right, wb.bottom}));
+    // The status has the sampled display's size; the resolution is the padded main buffer.
+    peer->setDisplayId(3);
+    EXPECT_EQ((std::vector<int32_t>{0, 100, 100, 720, 1600}), shared(0, crop, 0).values);
+    EXPECT_EQ((std::vector<int32_t>{2400, 1088}), resolution());
+    peer->setDisplayId(0);
+    // The same mode again keeps the frame.
+    ASSERT_TRUE(peer->bufferCacheValid());
+    EXPECT_TRUE(shared(kAi, crop, 0).ok());
+    EXPECT_TRUE(peer->bufferCacheValid());
+    EXPECT_EQ(0u, logCount(kI, cacheLine + "CWB_AI_VALUE updated to 1"));
 
-    // Six copies, each a complete record.
-    for (int i = 1; i <= 6; ++i) {
-        SCOPED_TRACE(i);
-        region.fill(kUntouched);
-        const int64_t before = systemTime(SYSTEM_TIME_BOOTTIME);
-        Shared copy = shared(kCopy, crop, 30012);
-        const int64_t after = systemTime(SYSTEM_TIME_BOOTTIME);
-        ASSERT_TRUE(copy.status.isOk());
-        EXPECT_EQ(Error::NONE, copy.error);
-        EXPECT_EQ(status, copy.values);
-        EXPECT_GE(region.timestamp(), before);
-        EXPECT_LE(region.timestamp(), after);
-        EXPECT_TRUE(holdsRecord(region, crop));
-    }
+    copies(6);
     EXPECT_TRUE(peer->screenCountReached());
+    // Paused: reported, not copied; a mode switch is stored without touching the frame.
+    region.fill();
+    host::log::clear();
+    EXPECT_EQ(1, shared(kCopy, crop, 30012).paused());
+    EXPECT_EQ(1, shared(kLegacy, crop, 0).paused());
+    EXPECT_EQ(kLegacy, mLightModeID);
+    EXPECT_EQ(1, shared(kAi, crop, 0).paused());
+    EXPECT_EQ(kAi, mLightModeID);
+    EXPECT_TRUE(peer->bufferCacheValid());
+    EXPECT_EQ(0u, host::log::countContaining("updated to"));
+    EXPECT_TRUE(region.untouchedFrom(0));
 
-    // The seventh is paused: reported, not copied.
-    region.fill(kUntouched);
-    Shared paused = shared(kCopy, crop, 30012);
-    ASSERT_TRUE(paused.status.isOk());
-    EXPECT_EQ(Error::NONE, paused.error);
-    EXPECT_EQ(1, paused.values[0]);
-    EXPECT_EQ(region.size(), region.firstTouched(0, region.size()));
-
-    // A layer change resumes copying; the next pause comes six copies later.
+    // A layer change resumes; a refused attempt counts like a copy, after the timestamp.
     composer->layerChange();
     EXPECT_FALSE(peer->screenCountReached());
-    for (int i = 1; i <= 6; ++i) {
-        SCOPED_TRACE(i);
-        region.fill(kUntouched);
-        Shared copy = shared(kCopy, crop, 30012);
-        EXPECT_EQ(0, copy.values[0]);
-        EXPECT_TRUE(holdsRecord(region, crop));
-    }
-    EXPECT_EQ(1, shared(kCopy, crop, 30012).values[0]);
+    copies(5);
+    region.fill();
+    const int64_t before = systemTime(SYSTEM_TIME_BOOTTIME);
+    refused(30011,
+            "MORVIK_AI::total data size 30012 (crop 30000 + timestamp 8 + id 4) > buffer size "
+            "30011");
+    EXPECT_TRUE(region.stampedSince(before));
+    EXPECT_TRUE(region.untouchedFrom(8));
+    EXPECT_TRUE(peer->screenCountReached());
+    EXPECT_EQ(0, peer->currentScreenCount());
+    EXPECT_EQ(1, shared(kCopy, crop, 30012).paused());
 
     // Back to legacy after a fresh capture: the frame is invalidated once more.
     composer->layerChange();
     capture();
     ASSERT_TRUE(peer->bufferCacheValid());
-    Shared legacy = shared(kLegacy, crop, 30012);
-    EXPECT_EQ(Error::NONE, legacy.error);
+    EXPECT_TRUE(shared(kLegacy, crop, 0).ok());
     EXPECT_EQ(kLegacy, mLightModeID);
     EXPECT_FALSE(peer->bufferCacheValid());
-    EXPECT_EQ(1u,
-              logCount(ANDROID_LOG_INFO,
-                       "MORVIK_AI::CwbService::mBufferCacheValid CWB_LEGACY_VALUE updated to 1"));
+    EXPECT_EQ(1u, logCount(kI, cacheLine + "CWB_LEGACY_VALUE updated to 1"));
 
-    Error released = Error::FAILED;
-    ASSERT_TRUE(service->releaseSharedMemory(0, 0, &released).isOk());
-    EXPECT_FALSE(peer->sharedMemoryMapped());
+    // Another, smaller region: the old mapping goes whole, by its own length.
+    ClientRegion other(2 * kPage);
+    ASSERT_TRUE(init(other, kPage).isOk());
+    EXPECT_EQ(1u, logCount(kE, "MORVIK_AI::Release the old mapping"));
     EXPECT_EQ(1u, region.mappings());
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "MORVIK_AI::CwbService Release shared memory"));
-}
-
-TEST_F(SharedMemoryTest, RecordNeedsTwelveBytesBeyondTheCrop) {
-    bootOn();
-    capture();
-    ClientRegion region(64 * 1024);
-    ASSERT_TRUE(init(region, 64 * 1024).isOk());
-    const Rect crop = rect(0, 0, 100, 100);
-
-    Shared fits = shared(kCopy, crop, 30012);
-    ASSERT_TRUE(fits.status.isOk());
-    EXPECT_TRUE(holdsRecord(region, crop));
-    EXPECT_EQ(0xEF, region.data()[30008]);
-    EXPECT_EQ(0xDE, region.data()[30011]);
-
-    region.fill(kUntouched);
-    const int64_t before = systemTime(SYSTEM_TIME_BOOTTIME);
-    Shared tooSmall = shared(kCopy, crop, 30011);
-    EXPECT_TRUE(serviceSpecificMinusOne(tooSmall.status));
-    EXPECT_EQ(Error::INVALID_ARGUMENT, tooSmall.error);
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR,
-                           "MORVIK_AI::total data size 30012 (crop 30000 + timestamp 8 + id 4) > "
-                           "buffer size 30011"));
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "MORVIK_AI::CwbService::Error ret=-1"));
-    // Refused after the timestamp was written, before any pixel.
-    EXPECT_GE(region.timestamp(), before);
-    EXPECT_EQ(region.size(), region.firstTouched(8, region.size()));
-}
-
-// ---- Modes ----
-
-TEST_F(SharedMemoryTest, ModeSwitchInvalidatesTheFrameOnlyWhenTheModeChanges) {
-    bootOn();
-    capture();
-    struct {
-        int id;
-        const char* line;
-    } steps[] = {
-            {kAi, "MORVIK_AI::CwbService::mBufferCacheValid CWB_AI_VALUE updated to 1"},
-            {kLegacy, "MORVIK_AI::CwbService::mBufferCacheValid CWB_LEGACY_VALUE updated to 1"},
-    };
-    for (const auto& step : steps) {
-        SCOPED_TRACE(step.id);
-        peer->setBufferCacheValid(true);
-        EXPECT_EQ(Error::NONE, shared(step.id, rect(0, 0, 10, 10), 0).error);
-        EXPECT_EQ(step.id, mLightModeID);
-        EXPECT_FALSE(peer->bufferCacheValid());
-        EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO, step.line));
-
-        peer->setBufferCacheValid(true);
-        EXPECT_EQ(Error::NONE, shared(step.id, rect(0, 0, 10, 10), 0).error);
-        EXPECT_TRUE(peer->bufferCacheValid());
-        EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO, step.line));
-    }
-}
-
-TEST_F(SharedMemoryTest, ModeSwitchWhilePausedStoresTheModeOnly) {
-    bootOn();
-    capture();
-    ClientRegion region(kPage);
-    ASSERT_TRUE(init(region, kPage).isOk());
-    for (int i = 0; i < 6; ++i) ASSERT_TRUE(shared(kCopy, rect(0, 0, 2, 2), 100).status.isOk());
-    ASSERT_TRUE(peer->screenCountReached());
-    peer->setBufferCacheValid(true);
-    Shared ai = shared(kAi, rect(0, 0, 2, 2), 100);
-    EXPECT_EQ(Error::NONE, ai.error);
-    EXPECT_EQ(1, ai.values[0]);
-    EXPECT_EQ(kAi, mLightModeID);
-    EXPECT_TRUE(peer->bufferCacheValid());
-    EXPECT_EQ(0u, host::log::countContaining("updated to"));
-}
-
-TEST_F(SharedMemoryTest, OtherIdsOnlyReportTheStatus) {
-    setProp("ro.vendor.zarel.display.cwb.display_id_sec", "3");
-    bootOn();
-    for (int id : {0, 1, 4, 6, -1}) {
-        SCOPED_TRACE(id);
-        Shared s = shared(id, rect(10, 20, 110, 70), 0);
-        EXPECT_TRUE(s.status.isOk());
-        EXPECT_EQ(Error::NONE, s.error);
-        EXPECT_EQ((std::vector<int32_t>{0, 100, 50, 1080, 2400}), s.values);
-        EXPECT_EQ(kLegacy, mLightModeID);
-    }
-    // The display size is the sampled display's.
-    peer->setDisplayId(3);
-    EXPECT_EQ((std::vector<int32_t>{0, 100, 50, 720, 1600}),
-              shared(0, rect(10, 20, 110, 70), 0).values);
-}
-
-TEST_F(SharedMemoryTest, RefusedRectangleChangesNothing) {
-    bootOn();
-    ASSERT_TRUE(shared(kLegacy, rect(1, 2, 3, 4), 0).status.isOk());
-    for (int id : {kAi, kCopy}) {
-        SCOPED_TRACE(id);
-        host::log::clear();
-        Shared s = shared(id, rect(0, 0, 1081, 10), 0);
-        EXPECT_TRUE(s.status.isOk());
-        EXPECT_EQ(Error::INVALID_ARGUMENT, s.error);
-        EXPECT_TRUE(s.values.empty());
-        EXPECT_EQ(kLegacy, mLightModeID);
-        EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "Invalid input rectangle"));
-        const Rect ai = peer->aiRect();
-        EXPECT_EQ((std::vector<int32_t>{1, 2, 3, 4}),
-                  (std::vector<int32_t>{ai.left, ai.top, ai.right, ai.bottom}));
-    }
-}
-
-// ---- Region lifecycle and misuse ----
-
-TEST_F(SharedMemoryTest, InvalidDescriptorKeepsTheCurrentMapping) {
-    bootOn();
-    capture();
-    ClientRegion region(kPage);
-    ASSERT_TRUE(init(region, kPage).isOk());
-    ndk::ScopedFileDescriptor none;
-    Error ignored;
-    auto status = service->initializeSharedMemory(0, kPage, none, &ignored);
-    EXPECT_TRUE(serviceSpecificMinusOne(status));
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "MORVIK_AI::Invalid in_fd received"));
-    EXPECT_TRUE(peer->sharedMemoryMapped());
-    EXPECT_TRUE(shared(kCopy, rect(0, 0, 10, 10), kPage).status.isOk());
-    EXPECT_TRUE(holdsRecord(region, rect(0, 0, 10, 10)));
-}
-
-TEST_F(SharedMemoryTest, SameDescriptorMapsOnceAnotherReplacesTheMapping) {
-    bootOn();
-    ClientRegion first(3 * kPage);
-    ClientRegion second(2 * kPage);
-    ASSERT_TRUE(init(first, 3 * kPage).isOk());
-    host::log::clear();
-    ASSERT_TRUE(init(first, 3 * kPage).isOk());
-    EXPECT_EQ(2u, first.mappings());
-    auto lines = host::log::lines();
-    ASSERT_EQ(1u, lines.size());
-    EXPECT_EQ("MORVIK_AI::initializeSharedMemory Initial shared memory", lines[0].text);
-
-    // A different, smaller region: the old mapping goes whole, the new one comes.
-    ASSERT_TRUE(init(second, kPage).isOk());
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "MORVIK_AI::Release the old mapping"));
-    EXPECT_EQ(0u, host::log::countContaining("munmap failed"));
-    EXPECT_EQ(1u, first.mappings());
-    EXPECT_EQ(2u, second.mappings());
-
-    Error ignored;
-    ASSERT_TRUE(service->releaseSharedMemory(0, 0, &ignored).isOk());
-    EXPECT_EQ(1u, second.mappings());
-}
-
-TEST_F(SharedMemoryTest, FailedMmapLeavesNoRegion) {
-    bootOn();
-    capture();
+    EXPECT_EQ(2u, other.mappings());
+    // A failed mmap leaves no region (a negative size may fail for any reason).
     int sockets[2];
     ASSERT_EQ(0, socketpair(AF_UNIX, SOCK_STREAM, 0, sockets));
-    ndk::ScopedFileDescriptor socket(sockets[0]);
-    ndk::ScopedFileDescriptor peerSocket(sockets[1]);
-    ClientRegion region(kPage);
-    struct {
-        const char* name;
-        const ndk::ScopedFileDescriptor& fd;
-        int32_t size;
-        std::string reason;
-    } cases[] = {
-            {"Socket", socket, static_cast<int32_t>(kPage), strerror(ENODEV)},
-            {"ZeroSize", region.fd(), 0, strerror(EINVAL)},
-            {"NegativeSize", region.fd(), -4096, ""},  // any reason; never a mapping
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        ClientRegion mapped(kPage);
-        ASSERT_TRUE(init(mapped, kPage).isOk());
+    ndk::ScopedFileDescriptor socket(sockets[0]), otherEnd(sockets[1]);
+    const std::string failed = "MORVIK_AI::mmap failed for fd=";
+    const std::tuple<const ndk::ScopedFileDescriptor&, int32_t, std::string> misuses[] = {
+            {socket, kPage, failed + std::to_string(sockets[0]) + ": " + strerror(ENODEV)},
+            {region.fd, 0, failed + std::to_string(region.fd.get()) + ": " + strerror(EINVAL)},
+            {region.fd, -4096, failed + std::to_string(region.fd.get()) + ": "}};
+    for (const auto& [fd, size, line] : misuses) {
+        SCOPED_TRACE(line);
+        ASSERT_TRUE(init(other, kPage).isOk());
         host::log::clear();
-        Error ignored;
-        auto status = service->initializeSharedMemory(0, c.size, c.fd, &ignored);
-        EXPECT_TRUE(serviceSpecificMinusOne(status));
-        const std::string line =
-                "MORVIK_AI::mmap failed for fd=" + std::to_string(c.fd.get()) + ": " + c.reason;
-        EXPECT_EQ(1u, c.reason.empty() ? host::log::countContaining(line)
-                                       : logCount(ANDROID_LOG_ERROR, line));
+        EXPECT_TRUE(minusOne(service->initializeSharedMemory(0, size, fd, &ignored)));
+        EXPECT_EQ(1u, size < 0 ? host::log::countContaining(line) : logCount(kE, line));
         EXPECT_FALSE(peer->sharedMemoryMapped());
-        EXPECT_EQ(1u, mapped.mappings());
-        Shared copy = shared(kCopy, rect(0, 0, 1, 1), kPage);
-        EXPECT_TRUE(serviceSpecificMinusOne(copy.status));
-        EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR,
-                               "MORVIK_AI::The shared space has not been initialized yet"));
+        EXPECT_EQ(1u, other.mappings());
+        refused(kPage, kNoRegion);
     }
-}
-
-TEST_F(SharedMemoryTest, CopyNeedsARegionAndACapture) {
-    bootOn();
-    struct {
-        const char* name;
-        bool mapped;
-        std::string line;
-    } cases[] = {
-            {"BeforeInitialize", false, "MORVIK_AI::The shared space has not been initialized yet"},
-            {"BeforeCapture", true,
-             "MORVIK_AI::The screenshot data is empty mCwbBufferHandle.base0"},
-    };
-    ClientRegion region(kPage);
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        if (c.mapped) {
-            ASSERT_TRUE(init(region, kPage).isOk());
-        }
-        host::log::clear();
-        Shared copy = shared(kCopy, rect(0, 0, 10, 10), kPage);
-        EXPECT_TRUE(serviceSpecificMinusOne(copy.status));
-        EXPECT_EQ(Error::INVALID_ARGUMENT, copy.error);
-        auto lines = host::log::lines();
-        ASSERT_EQ(2u, lines.size());
-        EXPECT_EQ(c.line, lines[0].text);
-        EXPECT_EQ("MORVIK_AI::CwbService::Error ret=-1", lines[1].text);
-        EXPECT_EQ(region.size(), region.firstTouched(0, region.size()));
-        EXPECT_EQ(0, peer->currentScreenCount());
-    }
-}
-
-TEST_F(SharedMemoryTest, ReleaseWithNothingMappedIsHarmless) {
-    boot();
+    // Release unmaps; a second release finds nothing, harmlessly.
+    ASSERT_TRUE(init(other, kPage).isOk());
+    host::log::clear();
     for (int i = 0; i < 2; ++i) {
-        Error result = Error::FAILED;
-        EXPECT_TRUE(service->releaseSharedMemory(7, 9, &result).isOk());
+        Error released = Error::FAILED;
+        ASSERT_TRUE(service->releaseSharedMemory(7, 9, &released).isOk());
+        EXPECT_EQ(Error::NONE, released);
     }
-    EXPECT_EQ(2u, logCount(ANDROID_LOG_ERROR, "MORVIK_AI::CwbService Release shared memory"));
     EXPECT_FALSE(peer->sharedMemoryMapped());
+    EXPECT_EQ(1u, other.mappings());
+    EXPECT_EQ((Lines(2, {kE, "MORVIK_AI::CwbService Release shared memory"})), logged());
 }
 
-TEST_F(SharedMemoryTest, ScreenResolutionIsThePaddedCaptureBuffer) {
+// Requests, copies, mode switches, region changes and layer changes from several threads at
+// once; under ThreadSanitizer this is where a data race would show.
+using FeaturesConcurrencyTest = SharedMemoryTest;
+
+TEST_F(FeaturesConcurrencyTest, RequestsCopiesModesRegionsAndLayerChangesTogether) {
+    setProp("ro.vendor.zarel.display.cwb.roi", "1");
+    setProp("ro.vendor.zarel.display.cwb.apl_read_support", "1");
+    device->setAplFile("0f a0\n");
+    device->qservice()->setAnswer(303, 1);
+    device->qservice()->setAnswer(304, 2000);
     bootOn();
-    EXPECT_EQ((std::vector<int32_t>{0, 0}), resolution());
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO,
-                           "MORVIK_AI::CwbService::getScreenResolution "
-                           "resolution height=0 || width=0"));
-    capture();
-    EXPECT_EQ((std::vector<int32_t>{2400, 1088}), resolution());
-    EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO,
-                           "MORVIK_AI::CwbService::getScreenResolution "
-                           "resolution height=2400 || width=1088"));
-    peer->setDisplayId(3);  // always the main display's buffer
-    EXPECT_EQ((std::vector<int32_t>{2400, 1088}), resolution());
+    ClientRegion a(64 * 1024), b(32 * 1024);
+    ASSERT_TRUE(init(a, 64 * 1024).isOk());
+    constexpr int kRounds = 12;
+    std::vector<std::thread> threads;
+    // Feature requests of every handled kind; each may capture and waits for a layer change.
+    for (int id : {1, 2}) {
+        threads.emplace_back([&, id] {
+            for (int i = 0; i < kRounds; ++i) {
+                std::vector<int32_t> values;
+                Error error;
+                EXPECT_TRUE(service->getCwbValue(id, rect(0, 0, 200, 200), &values, &error).isOk());
+                EXPECT_EQ(id == 1 ? 9u : 6u, values.size());
+            }
+        });
+    }
+    threads.emplace_back([&] {  // crops and mode switches
+        const int ids[] = {kAi, kCopy, kLegacy, kCopy};
+        for (int i = 0; i < kRounds * 8; ++i) {
+            Shared s = shared(ids[i % 4], rect(0, 0, 100, 100), 30012);
+            EXPECT_TRUE(s.ok() || s.refused());
+        }
+    });
+    // The region changes hands, the resolution is asked, the statistics run directly.
+    threads.emplace_back([&] {
+        for (int i = 0; i < kRounds * 4; ++i) {
+            Error e;
+            service->releaseSharedMemory(0, 0, &e);
+            init(i % 2 ? a : b, i % 2 ? 64 * 1024 : 32 * 1024);
+            EXPECT_EQ(2u, resolution().size());
+            Rgb out;
+            if (i % 8 == 0) service->getRGBValue(rect(10, 10, 20, 20), &out, &e);
+        }
+    });
+    // The composer keeps changing layers until everyone else is done.
+    std::atomic<bool> done{false};
+    std::thread composerThread([&] {
+        while (!done) {
+            composer->layerChange();
+            std::this_thread::yield();
+        }
+    });
+    for (auto& t : threads) t.join();
+    done = true;
+    composerThread.join();
+    // Still serving afterwards, and no mapping left behind.
+    ASSERT_TRUE(gateOpen());
+    composer->layerChange();
+    EXPECT_EQ(Error::NONE, luma(rect(0, 0, 10, 10)).first);
+    EXPECT_TRUE(mLightModeID == kLegacy || mLightModeID == kAi);
+    Error ignored;
+    service->releaseSharedMemory(0, 0, &ignored);
+    EXPECT_EQ(1u, a.mappings());
+    EXPECT_EQ(1u, b.mappings());
 }
 
-TEST_F(SharedMemoryTest, RefusedCopiesCountTowardsThePause) {
-    bootOn();
-    capture();
-    ClientRegion region(kPage);
-    ASSERT_TRUE(init(region, kPage).isOk());
-    for (int i = 0; i < 5; ++i) ASSERT_TRUE(shared(kCopy, rect(0, 0, 2, 2), 100).status.isOk());
-    EXPECT_EQ(5, peer->currentScreenCount());
-    EXPECT_TRUE(serviceSpecificMinusOne(shared(kCopy, rect(0, 0, 2, 2), 23).status));
-    EXPECT_TRUE(peer->screenCountReached());
-    EXPECT_EQ(0, peer->currentScreenCount());
-    EXPECT_EQ(1, shared(kCopy, rect(0, 0, 2, 2), 100).values[0]);
-}
-
-TEST_F(SharedMemoryTest, CropOfAnOldSmallerBufferIsRefused) {
-    device->setPanelModes(PanelId::Main, {{720, 1600, kVsync60}, {1080, 2400, kVsync60}});
-    bootOn();
-    capture();
-    // The panel switches to the larger mode; the buffer keeps the old size until a capture.
-    composer->configChange(0, 1);
-    ClientRegion region(64 * 1024);
-    ASSERT_TRUE(init(region, 64 * 1024).isOk());
-    Shared copy = shared(kCopy, rect(700, 0, 760, 10), 64 * 1024);  // inside the 768 pitch
-    EXPECT_TRUE(serviceSpecificMinusOne(copy.status));
-    EXPECT_EQ(1u, host::log::countContaining("lies outside the 720x1600 capture buffer"));
-    EXPECT_EQ(region.size(), region.firstTouched(8, region.size()));
-}
-
-// ---- Boundaries: nothing outside the capture buffer or the mapped region ----
-
-enum class Outcome { Copied, RectRefused, CopyRefused };
+// Nothing outside the capture buffer or the mapped region.
+enum Outcome { kCopied, kBadRect, kOutside, kTooBig };
 
 struct BoundaryCase {
     const char* name;
@@ -528,120 +366,88 @@ struct BoundaryCase {
     int32_t bufferSize;
     size_t mapped;  // what the client passes to initializeSharedMemory
     Outcome outcome;
+    bool oldSmallBuffer = false;  // captured at 720 x 1600 before the panel went 1080 x 2400
 };
-void PrintTo(const BoundaryCase& c, std::ostream* os) {
-    *os << c.name;
-}
 
 class CropBoundaryTest : public SharedMemoryTest,
                          public ::testing::WithParamInterface<BoundaryCase> {};
 
 TEST_P(CropBoundaryTest, StaysInsideBufferAndRegion) {
     const BoundaryCase& c = GetParam();
+    if (c.oldSmallBuffer) {
+        device->setPanelModes(PanelId::Main, {{720, 1600, kVsync60}, {1080, 2400, kVsync60}});
+    }
     bootOn();
     capture();
+    if (c.oldSmallBuffer) composer->configChange(0, 1);
+    ASSERT_TRUE(shared(kLegacy, rect(1, 2, 3, 4), 0).ok());
     // Two spare pages past what the service maps show any stray write.
     ClientRegion region((c.mapped + kPage - 1) / kPage * kPage + 2 * kPage);
     ASSERT_TRUE(init(region, static_cast<int32_t>(c.mapped)).isOk());
+    host::log::clear();
+    const int64_t before = systemTime(SYSTEM_TIME_BOOTTIME);
     Shared s = shared(kCopy, c.r, c.bufferSize);
-    switch (c.outcome) {
-        case Outcome::Copied:
-            ASSERT_TRUE(s.status.isOk());
-            EXPECT_EQ(Error::NONE, s.error);
-            EXPECT_TRUE(holdsRecord(region, c.r));
-            break;
-        case Outcome::RectRefused:
-            EXPECT_TRUE(s.status.isOk());
-            EXPECT_EQ(Error::INVALID_ARGUMENT, s.error);
-            EXPECT_TRUE(s.values.empty());
-            EXPECT_EQ(region.size(), region.firstTouched(0, region.size()));
-            break;
-        case Outcome::CopyRefused:
-            EXPECT_TRUE(serviceSpecificMinusOne(s.status));
-            EXPECT_EQ(Error::INVALID_ARGUMENT, s.error);
-            // Only the timestamp, and only where the service mapped room for it.
-            const size_t from = c.mapped >= 8 ? 8 : 0;
-            EXPECT_EQ(region.size(), region.firstTouched(from, region.size()));
-            break;
+    if (c.outcome == kCopied) {
+        EXPECT_TRUE(s.ok());
+        EXPECT_TRUE(holdsRecord(region, c.r));
+    } else if (c.outcome == kBadRect) {
+        // Refused before anything changes, in the AI mode too: region, AI rectangle, mode.
+        EXPECT_TRUE(s.status.isOk() && s.error == Error::INVALID_ARGUMENT && s.values.empty());
+        EXPECT_EQ(1u, logCount(kE, "Invalid input rectangle"));
+        EXPECT_EQ(Error::INVALID_ARGUMENT, shared(kAi, c.r, 0).error);
+        EXPECT_EQ(kLegacy, mLightModeID);
+        EXPECT_EQ(rect(1, 2, 3, 4), peer->aiRect());
+        EXPECT_TRUE(region.untouchedFrom(0));
+    } else {
+        EXPECT_TRUE(s.refused());
+        auto n = [](int64_t v) { return std::to_string(v); };
+        const int64_t crop = int64_t{c.r.right - c.r.left} * (c.r.bottom - c.r.top) * 3;
+        const std::string why =
+                c.outcome == kOutside
+                        ? "MORVIK_AI::crop [" + n(c.r.left) + "," + n(c.r.top) + "," +
+                                  n(c.r.right) + "," + n(c.r.bottom) + "] lies outside the " +
+                                  (c.oldSmallBuffer ? "720x1600" : "1080x2400") + " capture buffer"
+                        : "MORVIK_AI::total data size " + n(crop + 12) + " (crop " + n(crop) +
+                                  " + timestamp 8 + id 4) > buffer size " + n(c.bufferSize);
+        EXPECT_EQ((Lines{{kE, why}, {kE, kRefused}}), logged());
+        // Only the timestamp, and only where the service mapped room for it.
+        EXPECT_TRUE(c.mapped < 8 || region.stampedSince(before));
+        EXPECT_TRUE(region.untouchedFrom(c.mapped >= 8 ? 8 : 0));
     }
 }
 
-const int32_t kFull = 1080 * 2400 * 3 + 12;
+constexpr int32_t kFull = 1080 * 2400 * 3 + 12;
+constexpr int32_t kBig = 1 << 20;
 
-INSTANTIATE_TEST_SUITE_P(
-        Cases, CropBoundaryTest,
-        ::testing::Values(
-                BoundaryCase{"WholeScreen", rect(0, 0, 1080, 2400), kFull, kFull, Outcome::Copied},
-                BoundaryCase{"LastPixel", rect(1079, 2399, 1080, 2400), 15, 15, Outcome::Copied},
-                BoundaryCase{"ExactFit", rect(5, 5, 15, 25), 612, 612, Outcome::Copied},
-                BoundaryCase{"RightPastWidth", rect(1000, 0, 1081, 10), INT_MAX, 1 << 20,
-                             Outcome::RectRefused},
-                BoundaryCase{"BottomPastHeight", rect(0, 2300, 10, 2401), INT_MAX, 1 << 20,
-                             Outcome::RectRefused},
-                BoundaryCase{"NegativeLeft", rect(-1, 0, 10, 10), INT_MAX, 1 << 20,
-                             Outcome::RectRefused},
-                BoundaryCase{"Empty", rect(10, 10, 10, 20), INT_MAX, 1 << 20, Outcome::RectRefused},
-                BoundaryCase{"Inverted", rect(20, 10, 10, 20), INT_MAX, 1 << 20,
-                             Outcome::RectRefused},
-                BoundaryCase{"IntMinLeftIntMaxRight", rect(INT_MIN, 0, INT_MAX, 10), INT_MAX,
-                             1 << 20, Outcome::RectRefused},
-                BoundaryCase{"IntMaxEverywhere", rect(INT_MAX, INT_MAX, INT_MAX, INT_MAX), INT_MAX,
-                             1 << 20, Outcome::RectRefused},
-                BoundaryCase{"IntMinEverywhere", rect(INT_MIN, INT_MIN, INT_MIN, INT_MIN), INT_MAX,
-                             1 << 20, Outcome::RectRefused},
-                BoundaryCase{"AllNegativeHuge", rect(INT_MIN, INT_MIN, -1, -1), INT_MAX, 1 << 20,
-                             Outcome::RectRefused},
-                // Fractions pass the rectangle check; the raw fields are no crop.
-                BoundaryCase{"Fractions", rect(frac(0), frac(0), frac(10000), frac(10000)), INT_MAX,
-                             1 << 20, Outcome::CopyRefused},
-                BoundaryCase{"HugeBufferSizeSmallMapping", rect(0, 0, 100, 100), INT_MAX, 4096,
-                             Outcome::CopyRefused},
-                BoundaryCase{"MappingOneShort", rect(0, 0, 100, 100), 30012, 30011,
-                             Outcome::CopyRefused},
-                BoundaryCase{"NegativeBufferSize", rect(0, 0, 1, 1), -1, 4096,
-                             Outcome::CopyRefused},
-                BoundaryCase{"IntMinBufferSize", rect(0, 0, 1, 1), INT_MIN, 4096,
-                             Outcome::CopyRefused},
-                BoundaryCase{"ZeroBufferSize", rect(0, 0, 1, 1), 0, 4096, Outcome::CopyRefused},
-                BoundaryCase{"OneByteMapping", rect(0, 0, 1, 1), INT_MAX, 1, Outcome::CopyRefused},
-                BoundaryCase{"SevenByteMapping", rect(0, 0, 1, 1), INT_MAX, 7,
-                             Outcome::CopyRefused}),
-        [](const auto& info) { return std::string(info.param.name); });
+const BoundaryCase kBoundaries[] = {
+        {"WholeScreen", rect(0, 0, 1080, 2400), kFull, kFull, kCopied},
+        {"LastPixel", rect(1079, 2399, 1080, 2400), 15, 15, kCopied},
+        {"ExactFit", rect(5, 5, 15, 25), 612, 612, kCopied},
+        {"RightPastWidth", rect(1000, 0, 1081, 10), INT_MAX, kBig, kBadRect},
+        {"BottomPastHeight", rect(0, 2300, 10, 2401), INT_MAX, kBig, kBadRect},
+        {"NegativeLeft", rect(-1, 0, 10, 10), INT_MAX, kBig, kBadRect},
+        {"Empty", rect(10, 10, 10, 20), INT_MAX, kBig, kBadRect},
+        {"Inverted", rect(20, 10, 10, 20), INT_MAX, kBig, kBadRect},
+        {"IntMinToIntMax", rect(INT_MIN, 0, INT_MAX, 10), INT_MAX, kBig, kBadRect},
+        {"IntMax", rect(INT_MAX, INT_MAX, INT_MAX, INT_MAX), INT_MAX, kBig, kBadRect},
+        {"IntMin", rect(INT_MIN, INT_MIN, INT_MIN, INT_MIN), INT_MAX, kBig, kBadRect},
+        {"AllNegative", rect(INT_MIN, INT_MIN, -1, -1), INT_MAX, kBig, kBadRect},
+        // Fractions pass the rectangle check; the raw fields are no crop.
+        {"Fractions", rect(frac(0), frac(0), frac(10000), frac(10000)), INT_MAX, kBig, kOutside},
+        // Inside the configuration and the 768 pitch, not the buffer's 720 columns.
+        {"OldSmallerBuffer", rect(700, 0, 760, 10), kBig, kBig, kOutside, true},
+        {"BufferOneShort", rect(0, 0, 100, 100), 30011, kBig, kTooBig},
+        {"MappingOneShort", rect(0, 0, 100, 100), 30012, 30011, kTooBig},
+        {"HugeBufferSmallMapping", rect(0, 0, 100, 100), INT_MAX, 4096, kTooBig},
+        {"NegativeBufferSize", rect(0, 0, 1, 1), -1, 4096, kTooBig},
+        {"IntMinBufferSize", rect(0, 0, 1, 1), INT_MIN, 4096, kTooBig},
+        {"ZeroBufferSize", rect(0, 0, 1, 1), 0, 4096, kTooBig},
+        {"OneByteMapping", rect(0, 0, 1, 1), INT_MAX, 1, kTooBig},
+        {"SevenByteMapping", rect(0, 0, 1, 1), INT_MAX, 7, kTooBig},
+};
 
-// ---- Threads ----
-
-TEST_F(SharedMemoryTest, ReleaseAndReplaceRacingCopies) {
-    bootOn();
-    capture();
-    ClientRegion a(64 * 1024);
-    ClientRegion b(32 * 1024);
-    ASSERT_TRUE(init(a, 64 * 1024).isOk());
-    std::atomic<bool> done{false};
-    std::atomic<int> copied{0};
-    std::thread copier([&] {
-        for (int i = 0; i < 300; ++i) {
-            Shared s = shared(kCopy, rect(0, 0, 100, 100), 30012);
-            EXPECT_TRUE(s.status.isOk() || serviceSpecificMinusOne(s.status));
-            if (s.status.isOk() && s.values[0] == 0) ++copied;
-        }
-        done = true;
-    });
-    std::thread owner([&] {
-        Error ignored;
-        for (int i = 0; !done; ++i) {
-            service->releaseSharedMemory(0, 0, &ignored);
-            init(i % 2 ? a : b, i % 2 ? 64 * 1024 : 32 * 1024);
-            composer->layerChange();  // keeps the throttle from pausing for good
-        }
-    });
-    copier.join();
-    owner.join();
-    EXPECT_GT(copied, 0);
-    Error ignored;
-    service->releaseSharedMemory(0, 0, &ignored);
-    EXPECT_EQ(1u, a.mappings());
-    EXPECT_EQ(1u, b.mappings());
-}
+INSTANTIATE_TEST_SUITE_P(Cases, CropBoundaryTest, ::testing::ValuesIn(kBoundaries),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 }  // namespace
-}  // namespace cwbtest
+}  // namespace cwbtest::features
