@@ -1,5 +1,7 @@
 #include "Printer.h"
 
+#include <host/log_capture.h>
+
 #include <android/log.h>
 
 namespace cwbsim {
@@ -29,7 +31,7 @@ void Printer::log(int priority, const std::string& tag, const std::string& text)
         trimmed.pop_back();
     }
     std::lock_guard<std::mutex> lock(mMutex);
-    printLog(priorityLetter(priority), tag, trimmed);
+    printLog(host::log::priorityLetter(priority), tag, trimmed);
     mOut.flush();
 }
 
@@ -37,25 +39,6 @@ void Printer::note(const std::string& text) {
     std::lock_guard<std::mutex> lock(mMutex);
     printNote(text);
     mOut.flush();
-}
-
-char Printer::priorityLetter(int priority) {
-    switch (priority) {
-        case ANDROID_LOG_VERBOSE:
-            return 'V';
-        case ANDROID_LOG_DEBUG:
-            return 'D';
-        case ANDROID_LOG_INFO:
-            return 'I';
-        case ANDROID_LOG_WARN:
-            return 'W';
-        case ANDROID_LOG_ERROR:
-            return 'E';
-        case ANDROID_LOG_FATAL:
-            return 'F';
-        default:
-            return '?';
-    }
 }
 
 }  // namespace cwbsim

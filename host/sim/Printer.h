@@ -26,7 +26,6 @@ class Printer {
     void note(const std::string& text);
 
     // D, I, W, E (and V, F) for the Android priorities.
-    static char priorityLetter(int priority);
 
   protected:
     virtual void printCommand(int line, const std::string& text, const std::string& note) = 0;

@@ -23,30 +23,9 @@ LogStore& store() {
     return *s;
 }
 
-char priorityLetter(int priority) {
-    switch (priority) {
-        case ANDROID_LOG_VERBOSE:
-            return 'V';
-        case ANDROID_LOG_DEBUG:
-            return 'D';
-        case ANDROID_LOG_INFO:
-            return 'I';
-        case ANDROID_LOG_WARN:
-            return 'W';
-        case ANDROID_LOG_ERROR:
-            return 'E';
-        case ANDROID_LOG_FATAL:
-            return 'F';
-        case ANDROID_LOG_SILENT:
-            return 'S';
-        default:
-            return '?';
-    }
-}
-
 void writeStderr(const host::log::Line& line) {
     bool newline = line.text.empty() || line.text.back() != '\n';
-    fprintf(stderr, "%c %s: %s%s", priorityLetter(line.priority), line.tag.c_str(),
+    fprintf(stderr, "%c %s: %s%s", host::log::priorityLetter(line.priority), line.tag.c_str(),
             line.text.c_str(), newline ? "\n" : "");
 }
 
@@ -100,6 +79,27 @@ extern "C" int __android_log_print(int prio, const char* tag, const char* fmt, .
 }
 
 namespace host::log {
+
+char priorityLetter(int priority) {
+    switch (priority) {
+        case ANDROID_LOG_VERBOSE:
+            return 'V';
+        case ANDROID_LOG_DEBUG:
+            return 'D';
+        case ANDROID_LOG_INFO:
+            return 'I';
+        case ANDROID_LOG_WARN:
+            return 'W';
+        case ANDROID_LOG_ERROR:
+            return 'E';
+        case ANDROID_LOG_FATAL:
+            return 'F';
+        case ANDROID_LOG_SILENT:
+            return 'S';
+        default:
+            return '?';
+    }
+}
 
 std::vector<Line> lines() {
     LogStore& s = store();

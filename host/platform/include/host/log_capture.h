@@ -16,6 +16,8 @@ struct Line {
 
 // Snapshot of every recorded line, oldest first.
 std::vector<Line> lines();
+// Logcat's letter for a priority: V, D, I, W, E, F, S, or ? for anything else.
+char priorityLetter(int priority);
 void clear();
 // Lines whose priority and whole text match exactly.
 size_t count(int priority, const std::string& text);
