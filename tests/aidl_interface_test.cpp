@@ -119,17 +119,18 @@ TEST(AidlInterfaceTest, TransactionCodesFollowDeclarationOrder) {
     EXPECT_EQ(ICwbCallback::TRANSACTION_notifyCwbStatus, 1u);
 }
 
-class FrozenDumpTest : public ::testing::TestWithParam<std::tuple<int, std::string>> {};
+// Dumps by directory: the frozen versions and "current", the dump of the sources the aidl build
+// compares the package against (it fails when the directory is missing).
+class FrozenDumpTest : public ::testing::TestWithParam<std::tuple<std::string, std::string>> {};
 
 TEST_P(FrozenDumpTest, MatchesSource) {
     const auto& [version, type] = GetParam();
-    const std::string dumpPath =
-            kApiDir + std::to_string(version) + "/vendor/zarel/hardware/cwb/" + type + ".aidl";
+    const std::string dumpPath = kApiDir + version + "/vendor/zarel/hardware/cwb/" + type + ".aidl";
     EXPECT_NE(readFile(dumpPath).find("// THIS FILE IS IMMUTABLE. DO NOT EDIT IN ANY CASE."),
               std::string::npos);
     Decl source = parseAidl(kPackageDir + type + ".aidl");
     const Decl dump = parseAidl(dumpPath);
-    if (type == "ICwbService" && version == 1) {  // methods were added since
+    if (type == "ICwbService" && version == "1") {  // methods were added since
         size_t end = 0;
         for (size_t i = 0; i < kVersion1MethodCount; ++i) end = source.body.find(';', end) + 1;
         ASSERT_LT(end, source.body.size());
@@ -143,13 +144,29 @@ TEST_P(FrozenDumpTest, MatchesSource) {
 }
 
 INSTANTIATE_TEST_SUITE_P(AllTypes, FrozenDumpTest,
-                         ::testing::Combine(::testing::Values(1, 2),
+                         ::testing::Combine(::testing::Values("1", "2", "current"),
                                             ::testing::Values("Rect", "Rgb", "Histogram", "Error",
                                                               "ICwbCallback", "ICwbService")),
                          [](const auto& info) {
-                             return "V" + std::to_string(std::get<0>(info.param)) + "_" +
-                                    std::get<1>(info.param);
+                             return "V" + std::get<0>(info.param) + "_" + std::get<1>(info.param);
                          });
+
+// The aidl build's hash of a dump directory: sha1 over the sorted files' sha1sum lines and one
+// line naming the version before it ("latest-version" for version 1, N - 1 for version N).
+std::string toolHash(const std::string& dir, int version) {
+    const std::string previous = version > 1 ? std::to_string(version - 1) : "latest-version";
+    FILE* pipe = popen(("cd '" + dir +
+                        "' && { find ./ -name \"*.aidl\" -print0 | LC_ALL=C sort -z | xargs -0 "
+                        "sha1sum && echo " +
+                        previous + "; } | sha1sum | cut -d \" \" -f 1")
+                               .c_str(),
+                       "r");
+    if (pipe == nullptr) return "";
+    char computed[64] = {};
+    if (fgets(computed, sizeof(computed), pipe) == nullptr) computed[0] = '\0';
+    pclose(pipe);
+    return std::string(computed, strcspn(computed, "\n"));
+}
 
 class FrozenHashTest : public ::testing::TestWithParam<int> {};
 
@@ -159,16 +176,7 @@ TEST_P(FrozenHashTest, RecordedHashIsTheToolsHash) {
     recorded.erase(recorded.find_last_not_of(" \n") + 1);
     ASSERT_EQ(recorded.size(), 40u);
     // The aidl build recomputes it this way and refuses the module on a mismatch.
-    FILE* pipe = popen(("(cd '" + dir +
-                        "' && find ./ -name \"*.aidl\" -print0 | LC_ALL=C sort -z | xargs -0 "
-                        "sha1sum && echo latest-version) | sha1sum | cut -d \" \" -f 1")
-                               .c_str(),
-                       "r");
-    ASSERT_NE(pipe, nullptr);
-    char computed[64] = {};
-    fgets(computed, sizeof(computed), pipe);
-    pclose(pipe);
-    EXPECT_EQ(std::string(computed, strcspn(computed, "\n")), recorded);
+    EXPECT_EQ(toolHash(dir, GetParam()), recorded);
     if (GetParam() == ICwbService::version) {
         EXPECT_EQ(ICwbService::hash, recorded);
         EXPECT_EQ(ICwbCallback::hash, recorded);
@@ -178,6 +186,11 @@ TEST_P(FrozenHashTest, RecordedHashIsTheToolsHash) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, FrozenHashTest, ::testing::Values(1, 2));
+
+// Freezing copies no .hash into current/; one there would be checked against "latest-version".
+TEST(AidlInterfaceTest, CurrentDumpCarriesNoHash) {
+    EXPECT_FALSE(std::ifstream(kApiDir + "current/.hash").good());
+}
 
 TEST(AidlInterfaceTest, BuildFileFreezesEveryDumpedVersion) {
     const std::string bp = readFile(kSourceDir + "/interface/Android.bp");

@@ -29,7 +29,7 @@ class ICwbService : public ::ndk::ICInterface {
     ~ICwbService() override;
 
     static inline const int32_t version = 2;
-    static inline const std::string hash = "765a4f9fc018561eac8afce2b08ae3f8adcb5014";
+    static inline const std::string hash = "66cb995013d438e57677eaddc53511c45fda14dd";
     static constexpr uint32_t FIRST_CALL_TRANSACTION = 1;
     static constexpr uint32_t TRANSACTION_getRGBValue = FIRST_CALL_TRANSACTION + 0;
     static constexpr uint32_t TRANSACTION_getLumasValue = FIRST_CALL_TRANSACTION + 1;
