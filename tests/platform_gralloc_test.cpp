@@ -79,7 +79,10 @@ TEST_F(PlatformGrallocTest, InjectedAllocationFailures) {
     ASSERT_NE(handle, nullptr);
     EXPECT_EQ(gralloc::liveBuffers(), liveAtStart + 1);
     EXPECT_EQ(GraphicBufferAllocator::get().free(handle), android::OK);
-    EXPECT_EQ(GraphicBufferAllocator::get().free(handle), android::BAD_VALUE);
+    EXPECT_DEATH(GraphicBufferAllocator::get().free(handle), "free of unknown buffer handle");
+    int unknown = 0;
+    EXPECT_DEATH(GraphicBufferAllocator::get().free(reinterpret_cast<buffer_handle_t>(&unknown)),
+                 "free of unknown buffer handle");
     EXPECT_EQ(gralloc::allocationCount(), 1u);
     EXPECT_EQ(gralloc::freeCount(), 1u);
     // A reported format changes only the query, not the layout.

@@ -7,6 +7,8 @@
 #include <unistd.h>
 
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <mutex>
 
@@ -137,7 +139,13 @@ status_t GraphicBufferAllocator::free(buffer_handle_t handle) {
     Gralloc& g = gralloc();
     std::lock_guard<std::mutex> lock(g.mutex);
     auto it = g.buffers.find(handle);
-    if (it == g.buffers.end()) return BAD_VALUE;
+    if (it == g.buffers.end()) {
+        // The real allocator would close someone else's descriptors or touch freed memory here;
+        // a double free or a free of a handle it never made is always a bug in the caller.
+        fprintf(stderr, "gralloc: free of unknown buffer handle %p (double free?)\n",
+                static_cast<const void*>(handle));
+        abort();
+    }
     if (it->second.address != nullptr) munmap(it->second.address, it->second.size);
     native_handle_t* owned = const_cast<native_handle_t*>(handle);
     native_handle_close(owned);

@@ -332,6 +332,7 @@ bool CwbService::setupAvailableConfigs() {
         config->getDisplayAttributes(i, dc::DisplayType::PRIMARY, &record);
         mConfigs.push_back(record);
     }
+    mConfigsSize.store(mConfigs.size(), std::memory_order_release);
     for (size_t i = 0; i < mConfigs.size(); ++i) {
         ALOGI("ConfigID %d: vsync_period = %d, width = %d, height = %d.", static_cast<int>(i),
               mConfigs[i].vsyncPeriod, mConfigs[i].xRes, mConfigs[i].yRes);
@@ -348,6 +349,7 @@ bool CwbService::setupAvailableConfigs() {
             config->getDisplayAttributes(i, dc::DisplayType::BUILTIN2, &record);
             mConfigsSec.push_back(record);
         }
+        mConfigsSecSize.store(mConfigsSec.size(), std::memory_order_release);
         for (size_t i = 0; i < mConfigsSec.size(); ++i) {
             ALOGI("ConfigID mDisplayIdSec:%d: vsync_period = %d, width = %d, height = %d.",
                   static_cast<int>(i), mConfigsSec[i].vsyncPeriod, mConfigsSec[i].xRes,
@@ -381,10 +383,9 @@ bool CwbService::matchesSec(uint64_t display) const {
 }
 
 void CwbService::notifyConfigChange(uint64_t display, uint32_t config) {
-    // Until the lists are complete another thread may still be filling them.
-    const bool ready = mConfigInitialized;
-    const size_t mainSize = ready ? mConfigs.size() : 0;
-    const size_t secSize = ready ? mConfigsSec.size() : 0;
+    // Sizes as last published by a finished fill: another thread may be appending right now.
+    const size_t mainSize = mConfigsSize.load(std::memory_order_acquire);
+    const size_t secSize = mConfigsSecSize.load(std::memory_order_acquire);
     ALOGI("CwbService::notifyConfigChange: display:%d, config:%d size:%d, sec.size():%d",
           static_cast<int>(display), static_cast<int>(config), static_cast<int>(mainSize),
           static_cast<int>(secSize));

@@ -188,6 +188,9 @@ class CwbService : public BnCwbService,
     // readers look at them only once mConfigInitialized is true.
     std::vector<DisplayAttributes> mConfigs;
     std::vector<DisplayAttributes> mConfigsSec;
+    // Each list's size once its fill loop is done, for readers that may not wait for the set-up.
+    std::atomic<size_t> mConfigsSize{0};
+    std::atomic<size_t> mConfigsSecSize{0};
     std::atomic<uint32_t> mActiveConfig{0};
     std::atomic<uint32_t> mActiveConfigSec{0};
     std::atomic<bool> mPostProcess{false};
