@@ -6,8 +6,10 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install-deps.sh g++-aarch64-linux-gnu libc6-dev-arm64-cross qemu-user googletest
-# qemu-user would write a core file for each death test's deliberate abort.
+# qemu-user would write core files for each death test's deliberate abort. Children run by a
+# binfmt handler, if the machine has one, find the target's libraries too.
 ulimit -c 0
+export QEMU_LD_PREFIX=/usr/aarch64-linux-gnu
 
 start=$SECONDS
 cmake --preset aarch64

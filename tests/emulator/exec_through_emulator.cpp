@@ -7,6 +7,7 @@
 #include <errno.h>
 #include <stddef.h>
 #include <string.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 extern "C" int __real_execv(const char* path, char* const argv[]);
@@ -35,5 +36,8 @@ extern "C" int __wrap_execv(const char* path, char* const argv[]) {
         return -1;
     }
     args[n] = nullptr;
+    // The child is expected to die: no core files from qemu for the guest and for itself.
+    const rlimit noCore{0, 0};
+    setrlimit(RLIMIT_CORE, &noCore);
     return __real_execv(args[0], args);
 }
