@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Installs the Debian packages the host build needs, only those that are missing.
+# Installs the Debian packages the host build needs, and any named as arguments, only those that
+# are missing.
 set -euo pipefail
 
 packages=(
@@ -7,6 +8,7 @@ packages=(
     clang clang-format libc++-14-dev libc++abi-14-dev
     libgtest-dev libgmock-dev libbenchmark-dev libpng-dev
 )
+packages+=("$@")
 
 missing=()
 for p in "${packages[@]}"; do
