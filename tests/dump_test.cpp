@@ -5,6 +5,7 @@
 #include <unistd.h>
 #include <utils/Timers.h>
 
+#include <atomic>
 #include <functional>
 #include <sstream>
 #include <thread>
@@ -183,6 +184,50 @@ TEST_F(DumpTest, DoesNotWaitBehindACaptureInFlight) {
     EXPECT_NE(std::string::npos, idle.find("Capture buffers:\n  main: 1080x2400")) << idle;
     EXPECT_NE(std::string::npos, idle.find("Caches: rgb 1, luma 0, histogram 0")) << idle;
     EXPECT_EQ(1u, section(idle, "Counters")["captures"]) << idle;
+}
+
+// Binder threads record while dumpsys reads: every record shown is whole, every call counted.
+TEST_F(DumpTest, RecordsStayWholeUnderConcurrentCallsAndDumps) {
+    bootOn();
+    constexpr int kThreads = 4;
+    constexpr int kCalls = 2000;
+    std::atomic<bool> done{false};
+    std::vector<std::string> torn;
+    std::thread reader([&] {
+        while (!done) {
+            for (const auto& [line, ms] : lastRequests(dumpsys())) {
+                // Each writer uses its own method and arguments; a mix would be a torn record.
+                if (line != "reserved -> -" && line != "getCwbPostProcessStatus -> false" &&
+                    line != "setCwbPostProcessStatus -> NONE" &&
+                    line != "getScreenResolution -> NONE") {
+                    torn.push_back(line);
+                }
+            }
+        }
+    });
+    std::vector<std::thread> writers;
+    for (int t = 0; t < kThreads; ++t) {
+        writers.emplace_back([&, t] {
+            bool flag = false;
+            Error result = Error::NONE;
+            std::vector<int32_t> out;
+            for (int i = 0; i < kCalls; ++i) {
+                if (t == 0) service->reserved(i, t);
+                if (t == 1) service->getCwbPostProcessStatus(&flag);
+                if (t == 2) service->setCwbPostProcessStatus(false, &result);
+                if (t == 3) service->getScreenResolution(0, &out, &result);
+            }
+        });
+    }
+    for (std::thread& w : writers) w.join();
+    done = true;
+    reader.join();
+    EXPECT_TRUE(torn.empty()) << torn.size() << " torn, first: " << torn.front();
+    const auto calls = section(dumpsys(), "Calls");
+    for (const char* method : {"reserved", "getCwbPostProcessStatus", "setCwbPostProcessStatus",
+                               "getScreenResolution"}) {
+        EXPECT_EQ(static_cast<uint64_t>(kCalls), calls.at(method)) << method;
+    }
 }
 
 }  // namespace
