@@ -138,10 +138,12 @@ INSTANTIATE_TEST_SUITE_P(
         [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(ServiceTest, CwbWatchPrintsEachChange) {
+    // A small panel keeps each capture short next to the watch period, even under sanitizers.
+    device->setPanelModes(PanelId::Main, {{64, 64, kVsync60}});
     bootOn();
     host::device::SimulatedDisplayConfig& vendor = *device->displayConfig();
     vendor.setManualCompletion(true);
-    std::vector<std::string> words = {"cwb", "--watch", "4",           "--count",
+    std::vector<std::string> words = {"cwb", "--watch", "2",           "--count",
                                       "3",   "--json",  "getRGBValue", "0,0,4,2"};
     std::vector<char*> argv;
     for (std::string& w : words) argv.push_back(w.data());
@@ -151,11 +153,11 @@ TEST_F(ServiceTest, CwbWatchPrintsEachChange) {
         status = cwbtool::cwbMain(static_cast<int>(argv.size()), argv.data(), o, stderr);
     });
     // Each request captures a new picture; the layer change after it keeps the next one from
-    // answering out of the cache. The watch period (250 ms) leaves ample time for both.
+    // answering out of the cache. The watch period (500 ms) leaves ample time for both.
     for (int k = 1; k <= 3; ++k) {
         if (!waitFor([&] { return vendor.pendingCount() == 1; }, std::chrono::seconds(5))) break;
         device->setFrame(PanelId::Main, FrameKind::Mixer,
-                         host::device::Frame::filled(1080, 2400, 40 * k, 40 * k, 40 * k));
+                         host::device::Frame::filled(64, 64, 40 * k, 40 * k, 40 * k));
         vendor.completeNext();
         EXPECT_TRUE(waitFor([&] { return peer->bufferCacheValid(); }));
         composer->layerChange();
