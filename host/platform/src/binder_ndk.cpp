@@ -1,9 +1,12 @@
 // In-process binder NDK: reference counting and the service registry.
 #include <android/binder_interface_utils.h>
 #include <android/binder_manager.h>
+#include <android/binder_process.h>
 
 #include <host/binder_registry.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <map>
 #include <mutex>
 #include <string>
@@ -22,11 +25,17 @@ bool AIBinder_isAlive(const AIBinder* binder) {
     return binder != nullptr && binder->local != nullptr;
 }
 
+binder_status_t AIBinder_dump(AIBinder* binder, int fd, const char** args, uint32_t numArgs) {
+    if (binder == nullptr || binder->local == nullptr) return STATUS_UNEXPECTED_NULL;
+    return binder->local->dump(fd, args, numArgs);
+}
+
 namespace {
 
 struct Registry {
     std::mutex mutex;
     std::map<std::string, ndk::SpAIBinder> services;
+    std::condition_variable added;
     binder_exception_t failure = EX_NONE;
 };
 
@@ -44,6 +53,7 @@ binder_exception_t AServiceManager_addService(AIBinder* binder, const char* inst
     if (r.failure != EX_NONE) return r.failure;
     AIBinder_incStrong(binder);
     r.services[instance] = ndk::SpAIBinder(binder);
+    r.added.notify_all();
     return EX_NONE;
 }
 
@@ -56,6 +66,25 @@ AIBinder* AServiceManager_checkService(const char* instance) {
     AIBinder_incStrong(it->second.get());
     return it->second.get();
 }
+
+AIBinder* AServiceManager_waitForService(const char* instance) {
+    if (instance == nullptr) return nullptr;
+    Registry& r = registry();
+    std::unique_lock<std::mutex> lock(r.mutex);
+    if (!r.added.wait_for(lock, std::chrono::seconds(10),
+                          [&] { return r.services.count(instance) != 0; })) {
+        return nullptr;
+    }
+    AIBinder* binder = r.services[instance].get();
+    AIBinder_incStrong(binder);
+    return binder;
+}
+
+bool ABinderProcess_setThreadPoolMaxThreadCount(uint32_t /*numThreads*/) {
+    return true;
+}
+
+void ABinderProcess_startThreadPool() {}
 
 namespace host::binder {
 

@@ -24,3 +24,5 @@ struct AIBinder {
 void AIBinder_incStrong(AIBinder* binder);
 void AIBinder_decStrong(AIBinder* binder);
 bool AIBinder_isAlive(const AIBinder* binder);
+// Asks the object behind binder to write its state to fd, as dumpsys does.
+binder_status_t AIBinder_dump(AIBinder* binder, int fd, const char** args, uint32_t numArgs);

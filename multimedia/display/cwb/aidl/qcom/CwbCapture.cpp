@@ -165,6 +165,7 @@ int CwbService::writeback(bool secondary, Rect rect, bool postProcessed) {
         mCwbRequestPending = true;
         mCwbRequestCompleted = false;
     }
+    mStats.count(CwbStats::Counter::CaptureRequests);
     ndk::ScopedAStatus status;
     {
         auto buffer = ::android::dupToAidl(handle);
@@ -180,10 +181,12 @@ int CwbService::writeback(bool secondary, Rect rect, bool postProcessed) {
             std::lock_guard<std::mutex> lock(mCwbMutex);
             mCwbRequestPending = false;
         }
+        mStats.count(CwbStats::Counter::VendorRefused);
         ALOGE("Failed to read cwb buffer.\n");
         return 1;
     }
     if (!waitDumpComplete()) return -4;
+    mStats.count(CwbStats::Counter::Captures);
     mBufferCacheValid = true;
     ATRACE_INT("BufferCacheValid", 1);
     if (mDump) {
@@ -208,6 +211,7 @@ bool CwbService::waitDumpComplete() {
         if (mDebugLog) ALOGI("DumpFinish\n");
         return true;
     }
+    mStats.count(completed ? CwbStats::Counter::VendorErrors : CwbStats::Counter::Timeouts);
     ALOGI("Failed to dump data.\n");
     return false;
 }

@@ -51,6 +51,8 @@ void appendTime(std::vector<int32_t>* values, int64_t time) {
 
 ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
                                            std::vector<int32_t>* values, Error* _aidl_return) {
+    // No result word: a feature id without a branch leaves it unset. The nested request has one.
+    CwbStats::Request request(mStats, CwbStats::Method::getCwbValue, &rect, nullptr, featureId);
     if (featureId < 1 || featureId > 14) {
         ALOGE("%s error ID = %d", "getCwbValue", featureId);
         *_aidl_return = Error::INVALID_ARGUMENT;
@@ -247,6 +249,8 @@ ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
 ndk::ScopedAStatus CwbService::initializeSharedMemory(int32_t /*id*/, int32_t size,
                                                       const ndk::ScopedFileDescriptor& fd,
                                                       Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::initializeSharedMemory, nullptr, nullptr,
+                              size);
     std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
     ALOGE("MORVIK_AI::initializeSharedMemory Initial shared memory");
     const int descriptor = fd.get();
@@ -290,6 +294,8 @@ ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect
                                              const ndk::ScopedFileDescriptor& /*fd*/,
                                              int32_t bufferSize, std::vector<int32_t>* values,
                                              Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::getSharedData, &rect, _aidl_return,
+                              featureId);
     std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::getSharedData-in_FeatureId = %d", featureId);
     Rect checked{};
@@ -339,6 +345,7 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
                                    std::vector<int>* /*values*/) {
     if (mSharedMemory == nullptr) {
         ALOGE("MORVIK_AI::The shared space has not been initialized yet");
+        mStats.count(CwbStats::Counter::CopyRefusals);
         return -1;
     }
     // The capture buffer must not be replaced or freed while the crop reads it.
@@ -346,6 +353,7 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
     const CwbBufferInfo& info = mCwbBufferHandle;
     if (info.base == nullptr) {
         ALOGE("MORVIK_AI::The screenshot data is empty mCwbBufferHandle.base%d", 0);
+        mStats.count(CwbStats::Counter::CopyRefusals);
         return -1;
     }
     const int64_t timestamp = systemTime(SYSTEM_TIME_BOOTTIME);
@@ -358,6 +366,7 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         if (mDebugLog) ALOGE("MORVIK_AI::mCurrentScreenCount=%d", mCurrentScreenCount);
         mCurrentScreenCount = 0;
         mScreenCountReached = true;
+        mStats.count(CwbStats::Counter::Pauses);
     };
 
     const int32_t W = rect.right - rect.left;
@@ -379,6 +388,7 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         ALOGE("MORVIK_AI::crop [%d,%d,%d,%d] lies outside the %dx%d capture buffer", rect.left,
               rect.top, rect.right, rect.bottom, static_cast<int>(info.unaligned_width),
               static_cast<int>(info.height));
+        mStats.count(CwbStats::Counter::CopyRefusals);
         countLimit();
         return -1;
     }
@@ -387,6 +397,7 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         ALOGE("MORVIK_AI::total data size %zu (crop %zu + timestamp %zu + id %zu) > buffer size %d",
               static_cast<size_t>(total), static_cast<size_t>(crop), sizeof(int64_t),
               sizeof(uint32_t), bufferSize);
+        mStats.count(CwbStats::Counter::CopyRefusals);
         countLimit();
         return -1;
     }
@@ -401,12 +412,14 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
     memcpy(region + 8 + crop, &kRecordMarker, sizeof(kRecordMarker));
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::display The screen is sliding - Copy screenshot");
     msync(region, static_cast<size_t>(total), MS_SYNC);
+    mStats.count(CwbStats::Counter::Copies);
     countLimit();
     return 1;
 }
 
 ndk::ScopedAStatus CwbService::getScreenResolution(int32_t /*id*/, std::vector<int32_t>* values,
                                                    Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::getScreenResolution, nullptr, _aidl_return);
     int32_t height = 0;
     int32_t width = 0;
     {
@@ -427,6 +440,7 @@ ndk::ScopedAStatus CwbService::getScreenResolution(int32_t /*id*/, std::vector<i
 
 ndk::ScopedAStatus CwbService::releaseSharedMemory(int32_t /*id*/, int32_t /*flags*/,
                                                    Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::releaseSharedMemory, nullptr, _aidl_return);
     std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
     releaseSharedMemoryLocked();
     *_aidl_return = Error::NONE;

@@ -172,6 +172,7 @@ bool CwbService::serviceStatus() const {
 
 ndk::ScopedAStatus CwbService::registerCallback(const std::shared_ptr<ICwbCallback>& callback,
                                                 Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::registerCallback, nullptr, _aidl_return);
     *_aidl_return = Error::NONE;
     if (callback == nullptr) return ndk::ScopedAStatus::ok();
     {
@@ -185,6 +186,7 @@ ndk::ScopedAStatus CwbService::registerCallback(const std::shared_ptr<ICwbCallba
 
 ndk::ScopedAStatus CwbService::unregisterCallback(const std::shared_ptr<ICwbCallback>& callback,
                                                   Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::unregisterCallback, nullptr, _aidl_return);
     std::vector<std::shared_ptr<ICwbCallback>> removed;  // released after the lock
     {
         std::lock_guard<std::mutex> lock(mCallbackMutex);
@@ -227,6 +229,7 @@ void CwbService::updateCwbStatus(bool status) {
 }
 
 ndk::ScopedAStatus CwbService::enable(bool* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::enable, _aidl_return);
     ALOGI("Enable Cwb function.");
     mCwbEnabled = true;
     notifyCwbStatus();
@@ -235,6 +238,7 @@ ndk::ScopedAStatus CwbService::enable(bool* _aidl_return) {
 }
 
 ndk::ScopedAStatus CwbService::disable(bool* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::disable, _aidl_return);
     ALOGI("Disable Cwb function.");
     mCwbEnabled = false;
     notifyCwbStatus();
@@ -245,6 +249,7 @@ ndk::ScopedAStatus CwbService::disable(bool* _aidl_return) {
 // ---- Debug and post-processing controls ----
 
 ndk::ScopedAStatus CwbService::setDebug(const std::vector<int32_t>& debug, Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::setDebug, nullptr, _aidl_return);
     if (debug.size() >= 1 && debug[0] != -1) mDebugLog = debug[0] > 0;
     if (debug.size() >= 2 && debug[1] != -1) mDump = debug[1] > 0;
     if (debug.size() >= 3 && debug[2] != -1) {
@@ -259,11 +264,14 @@ ndk::ScopedAStatus CwbService::setDebug(const std::vector<int32_t>& debug, Error
 }
 
 ndk::ScopedAStatus CwbService::getCwbPostProcessStatus(bool* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::getCwbPostProcessStatus, _aidl_return);
     *_aidl_return = mPostProcess;
     return ndk::ScopedAStatus::ok();
 }
 
 ndk::ScopedAStatus CwbService::setCwbPostProcessStatus(bool status, Error* _aidl_return) {
+    CwbStats::Request request(mStats, CwbStats::Method::setCwbPostProcessStatus, nullptr,
+                              _aidl_return);
     mPostProcess = status;
     *_aidl_return = Error::NONE;
     return ndk::ScopedAStatus::ok();
@@ -282,6 +290,7 @@ void CwbService::disablePostProcessed(bool disable) {
 }
 
 ndk::ScopedAStatus CwbService::reserved(int32_t /*arg0*/, int32_t /*arg1*/) {
+    CwbStats::Request request(mStats, CwbStats::Method::reserved);
     return ndk::ScopedAStatus::ok();
 }
 
@@ -475,6 +484,7 @@ bool CwbService::captureScreenAllowed() {
     std::lock_guard<std::mutex> lock(mCwbMutex);
     const bool allowed = mLastCwbTime + 50000000 < now;
     if (!allowed && mDebugLog) ALOGD("no need capturescreen\n");
+    if (!allowed) mStats.count(CwbStats::Counter::RefusedGate);
     return allowed;
 }
 

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "ColorTempHelper.h"
+#include "CwbStats.h"
 #include "GrallocHelper.h"
 #include "TimedMutex.h"
 
@@ -104,6 +105,8 @@ class CwbService : public BnCwbService,
     ndk::ScopedAStatus getScreenResolution(int32_t id, std::vector<int32_t>* values,
                                            Error* _aidl_return) override;
     ndk::ScopedAStatus releaseSharedMemory(int32_t id, int32_t flags, Error* _aidl_return) override;
+    // dumpsys: never waits behind a capture in flight for more than a few milliseconds.
+    binder_status_t dump(int fd, const char** args, uint32_t numArgs) override;
 
     // Writeback completions: the AIDL callback object and the vendor's legacy callback.
     virtual void notifyCWBBufferDone(int error) override;
@@ -245,6 +248,7 @@ class CwbService : public BnCwbService,
     native_handle const* mCwbNativeHandle_sec GUARDED_BY(mRequestLock) = nullptr;
     int64_t mLastCwbTime GUARDED_BY(mCwbMutex) = 0;
     std::shared_ptr<CwbCallbackBase> mCwbCallback;
+    CwbStats mStats;  // counters and last requests for dump(); lock-free
 
     friend class CwbServiceTestPeer;
 };

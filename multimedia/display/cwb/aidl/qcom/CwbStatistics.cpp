@@ -55,6 +55,7 @@ void CwbService::selectPowerMode(int32_t displayId) {
 
 ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _aidl_return) {
     ATRACE_CALL();
+    CwbStats::Request request(mStats, CwbStats::Method::getRGBValue, &rect, _aidl_return);
     const int32_t displayId = mDisplayId;
     if (mDebugLog) {
         ALOGD("getRGBValue [%d, %d, %d, %d] PowerMode[%d %d] DisplayId[%d]\n", rect.left, rect.top,
@@ -70,15 +71,20 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
         *_aidl_return = static_cast<Error>(result);
         return ndk::ScopedAStatus::ok();
     };
-    if (!mCwbStatus || !mCwbEnabled) return finish(static_cast<int32_t>(Error::FAILED));
+    if (!mCwbStatus || !mCwbEnabled) {
+        mStats.count(CwbStats::Counter::RefusedDisabled);
+        return finish(static_cast<int32_t>(Error::FAILED));
+    }
     if (displayId < 0) {
         ALOGE("No valid display ID specified");
+        mStats.count(CwbStats::Counter::RefusedNoDisplay);
         return finish(static_cast<int32_t>(Error::FAILED));
     }
     Rect work{};
     if (!checkInputRect(rect, work)) return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getRGBValue");
+        mStats.count(CwbStats::Counter::RefusedBusy);
         return finish(static_cast<int32_t>(Error::FAILED));
     }
     AdoptedLock lock(mRequestLock);
@@ -90,6 +96,7 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
             codes = it->second.first;
             state = it->second.second;
             mRgbCacheHit = true;
+            mStats.count(CwbStats::Counter::RgbCacheHits);
             if (mDebugLog) {
                 ALOGD("cache Screen RGB value: %d, %d, %d\n", codes[0], codes[1], codes[2]);
             }
@@ -111,6 +118,7 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
             ALOGD("Screen power off and status: %d %d %d %d\n", mPowerMode, displayId,
                   mAodForbidden, mAodLayerExist.load());
         }
+        mStats.count(CwbStats::Counter::RefusedScreenOff);
         return finish(static_cast<int32_t>(Error::SCREEN_OFF));
     }
     if (!captureScreenAllowed()) return finish(static_cast<int32_t>(Error::FAILED));
@@ -135,6 +143,7 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
     if (chosen != nullptr && !rectInsideBuffer(*chosen, work)) chosen = nullptr;
     int32_t result = 0;
     if (chosen == nullptr) {
+        mStats.count(CwbStats::Counter::CaptureFailed);
         if (mDebugLog) {
             ALOGD("getRGBValue faild ret = %d, mCwbBufferHandle = %p, mCwbBufferHandle_sec = %p",
                   ret, mCwbBufferHandle.base, mCwbBufferHandle_sec.base);
@@ -254,6 +263,7 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
 ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
                                              Error* _aidl_return) {
     ATRACE_CALL();
+    CwbStats::Request request(mStats, CwbStats::Method::getLumasValue, &rect, _aidl_return);
     if (mDebugLog) {
         ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
@@ -263,25 +273,34 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
         return ndk::ScopedAStatus::ok();
     };
     const int32_t displayId = mDisplayId;
-    if (!mCwbEnabled || !mCwbStatus) return finish(Error::FAILED, 0.0f);
+    if (!mCwbEnabled || !mCwbStatus) {
+        mStats.count(CwbStats::Counter::RefusedDisabled);
+        return finish(Error::FAILED, 0.0f);
+    }
     if (displayId < 0) {
         ALOGE("No valid display ID specified");
+        mStats.count(CwbStats::Counter::RefusedNoDisplay);
         return finish(Error::FAILED, 0.0f);
     }
     Rect work{};
     if (!checkInputRect(rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getLumasValue");
+        mStats.count(CwbStats::Counter::RefusedBusy);
         return finish(Error::FAILED, 0.0f);
     }
     AdoptedLock lock(mRequestLock);
     if (mBufferCacheValid) {
         auto it = mLumaCache.find(work);
-        if (it != mLumaCache.end()) return finish(Error::NONE, it->second);
+        if (it != mLumaCache.end()) {
+            mStats.count(CwbStats::Counter::LumaCacheHits);
+            return finish(Error::NONE, it->second);
+        }
     }
     selectPowerMode(displayId);
     if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
         if (mDebugLog) ALOGD("Screen power off\n");
+        mStats.count(CwbStats::Counter::RefusedScreenOff);
         return finish(Error::SCREEN_OFF, 0.0f);
     }
     if (!captureScreenAllowed()) return finish(Error::FAILED, 0.0f);
@@ -289,6 +308,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     const int ret = setCWBOutputBuffer(work, false);
     if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
         ALOGD("Get Luma error\n");
+        mStats.count(CwbStats::Counter::CaptureFailed);
         return finish(Error::FAILED, 0.0f);
     }
     const float luma = calcPixelsLumas(mCwbBufferHandle.base,
@@ -319,6 +339,7 @@ float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) 
 ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* histogram,
                                                  Error* _aidl_return) {
     ATRACE_CALL();
+    CwbStats::Request request(mStats, CwbStats::Method::getHistogramValue, &rect, _aidl_return);
     if (mDebugLog) {
         ALOGD("getHistogramValue [%d, %d, %d, %d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
@@ -328,21 +349,27 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
         return ndk::ScopedAStatus::ok();
     };
     const int32_t displayId = mDisplayId;
-    if (!mCwbEnabled || !mCwbStatus) return fail(Error::FAILED);
+    if (!mCwbEnabled || !mCwbStatus) {
+        mStats.count(CwbStats::Counter::RefusedDisabled);
+        return fail(Error::FAILED);
+    }
     if (displayId < 0) {
         ALOGE("No valid display ID specified");
+        mStats.count(CwbStats::Counter::RefusedNoDisplay);
         return fail(Error::FAILED);
     }
     Rect work{};
     if (!checkInputRect(rect, work)) return fail(Error::INVALID_ARGUMENT);
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getHistogramValue");
+        mStats.count(CwbStats::Counter::RefusedBusy);
         return fail(Error::FAILED);
     }
     AdoptedLock lock(mRequestLock);
     if (mBufferCacheValid) {
         auto it = mHistogramCache.find(work);
         if (it != mHistogramCache.end()) {
+            mStats.count(CwbStats::Counter::HistogramCacheHits);
             *histogram = it->second;
             *_aidl_return = Error::NONE;
             return ndk::ScopedAStatus::ok();
@@ -351,12 +378,14 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
     selectPowerMode(displayId);
     if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
         if (mDebugLog) ALOGD("Screen power off\n");
+        mStats.count(CwbStats::Counter::RefusedScreenOff);
         return fail(Error::SCREEN_OFF);
     }
     if (!captureScreenAllowed()) return fail(Error::FAILED);
     const int ret = setCWBOutputBuffer(work, true);
     if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
         ALOGD("Get Histogram error\n");
+        mStats.count(CwbStats::Counter::CaptureFailed);
         return fail(Error::FAILED);
     }
     unsigned int bins[256][3] = {};
