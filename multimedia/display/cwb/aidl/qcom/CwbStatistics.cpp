@@ -33,6 +33,18 @@ inline const uint8_t* pixelAt(const void* buffer, unsigned int stride, int x, in
            3 * (static_cast<size_t>(x) + static_cast<size_t>(stride) * static_cast<size_t>(y));
 }
 
+// Names the display an RGB request serves for the pass it runs, while it holds the request lock.
+class ServedDisplay {
+  public:
+    ServedDisplay(int32_t& slot, int32_t displayId) : mSlot(slot) { mSlot = displayId; }
+    ~ServedDisplay() { mSlot = -1; }
+    ServedDisplay(const ServedDisplay&) = delete;
+    ServedDisplay& operator=(const ServedDisplay&) = delete;
+
+  private:
+    int32_t& mSlot;
+};
+
 bool spreadWithin(const ColorRange& range, int limit) {
     for (int c = 0; c < 3; ++c) {
         if (range.max[c] - range.min[c] > limit) return false;
@@ -54,8 +66,12 @@ void CwbService::selectPowerMode(int32_t displayId) {
 // ---- RGB ----
 
 ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _aidl_return) {
-    ATRACE_CALL();
-    const int32_t displayId = mDisplayId;
+    return getRGBValue(mDisplayId, rect, rgb, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::getRGBValue(int32_t displayId, const Rect& rect, Rgb* rgb,
+                                           Error* _aidl_return) {
+    ATRACE_NAME("getRGBValue");
     if (mDebugLog) {
         ALOGD("getRGBValue [%d, %d, %d, %d] PowerMode[%d %d] DisplayId[%d]\n", rect.left, rect.top,
               rect.right, rect.bottom, mPowerModeMain.load(), mPowerModeSec.load(), displayId);
@@ -76,19 +92,21 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
         return finish(static_cast<int32_t>(Error::FAILED));
     }
     Rect work{};
-    if (!checkInputRect(rect, work)) return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
+    if (!checkInputRect(displayId, rect, work)) {
+        return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
+    }
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getRGBValue");
         return finish(static_cast<int32_t>(Error::FAILED));
     }
     AdoptedLock lock(mRequestLock);
+    ServedDisplay served(mRequestDisplayId, displayId);
 
     selectPowerMode(displayId);
     if (mBufferCacheValid || mPowerMode == kPowerDozeSuspend) {
-        auto it = mRgbCache.find(work);
-        if (it != mRgbCache.end()) {
-            codes = it->second.first;
-            state = it->second.second;
+        if (const auto* cached = mRgbCache.find(work)) {
+            codes = cached->first;
+            state = cached->second;
             mRgbCacheHit = true;
             if (mDebugLog) {
                 ALOGD("cache Screen RGB value: %d, %d, %d\n", codes[0], codes[1], codes[2]);
@@ -117,9 +135,9 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
 
     int ret = 0;
     if (displayId == 0) {
-        ret = setCWBOutputBuffer(work, mPostProcess);
+        ret = writeback(displayId, false, work, mPostProcess);
     } else if (displayId == 3) {
-        ret = setCWBOutputBufferSec(work, mPostProcess);
+        ret = writeback(displayId, true, work, mPostProcess);
     }
     mRgbCacheHit = false;
 
@@ -146,7 +164,7 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
         if (mDebugLog) {
             ALOGD("Screen RGB value: %d, %d, %d. state: %x\n", codes[0], codes[1], codes[2], state);
         }
-        mRgbCache[work] = {codes, state};
+        mRgbCache.put(work, {codes, state});
         result = static_cast<int32_t>(state) << 16;
     }
     if (mAodForbiddenCnt < kAodCaptureLimit) ++mAodForbiddenCnt;
@@ -158,7 +176,7 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
     ATRACE_CALL();
     ColorTempHelper& sampler = mColorTempHelper;
     sampler.reset();
-    const int32_t displayId = mDisplayId;
+    const int32_t displayId = mRequestDisplayId >= 0 ? mRequestDisplayId : mDisplayId.load();
     const int32_t width = rect.right - rect.left;
     const int32_t height = rect.bottom - rect.top;
     const uint32_t pixelCount = static_cast<uint32_t>(width) * static_cast<uint32_t>(height);
@@ -253,7 +271,12 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
 
 ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
                                              Error* _aidl_return) {
-    ATRACE_CALL();
+    return getLumasValue(mDisplayId, rect, lumas, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::getLumasValue(int32_t displayId, const Rect& rect,
+                                             std::vector<float>* lumas, Error* _aidl_return) {
+    ATRACE_NAME("getLumasValue");
     if (mDebugLog) {
         ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
@@ -262,22 +285,20 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
         *_aidl_return = result;
         return ndk::ScopedAStatus::ok();
     };
-    const int32_t displayId = mDisplayId;
     if (!mCwbEnabled || !mCwbStatus) return finish(Error::FAILED, 0.0f);
     if (displayId < 0) {
         ALOGE("No valid display ID specified");
         return finish(Error::FAILED, 0.0f);
     }
     Rect work{};
-    if (!checkInputRect(rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
+    if (!checkInputRect(displayId, rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getLumasValue");
         return finish(Error::FAILED, 0.0f);
     }
     AdoptedLock lock(mRequestLock);
     if (mBufferCacheValid) {
-        auto it = mLumaCache.find(work);
-        if (it != mLumaCache.end()) return finish(Error::NONE, it->second);
+        if (const float* cached = mLumaCache.find(work)) return finish(Error::NONE, *cached);
     }
     selectPowerMode(displayId);
     if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
@@ -286,7 +307,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     }
     if (!captureScreenAllowed()) return finish(Error::FAILED, 0.0f);
     // The luma always comes from the main display, without post-processing.
-    const int ret = setCWBOutputBuffer(work, false);
+    const int ret = writeback(displayId, false, work, false);
     if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
         ALOGD("Get Luma error\n");
         return finish(Error::FAILED, 0.0f);
@@ -294,7 +315,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     const float luma = calcPixelsLumas(mCwbBufferHandle.base,
                                        static_cast<unsigned int>(mCwbBufferHandle.width), work);
     if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(luma));
-    mLumaCache[work] = luma;
+    mLumaCache.put(work, luma);
     return finish(Error::NONE, luma);
 }
 
@@ -318,7 +339,12 @@ float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) 
 
 ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* histogram,
                                                  Error* _aidl_return) {
-    ATRACE_CALL();
+    return getHistogramValue(mDisplayId, rect, histogram, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::getHistogramValue(int32_t displayId, const Rect& rect,
+                                                 Histogram* histogram, Error* _aidl_return) {
+    ATRACE_NAME("getHistogramValue");
     if (mDebugLog) {
         ALOGD("getHistogramValue [%d, %d, %d, %d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
@@ -327,23 +353,21 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
         *_aidl_return = result;
         return ndk::ScopedAStatus::ok();
     };
-    const int32_t displayId = mDisplayId;
     if (!mCwbEnabled || !mCwbStatus) return fail(Error::FAILED);
     if (displayId < 0) {
         ALOGE("No valid display ID specified");
         return fail(Error::FAILED);
     }
     Rect work{};
-    if (!checkInputRect(rect, work)) return fail(Error::INVALID_ARGUMENT);
+    if (!checkInputRect(displayId, rect, work)) return fail(Error::INVALID_ARGUMENT);
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getHistogramValue");
         return fail(Error::FAILED);
     }
     AdoptedLock lock(mRequestLock);
     if (mBufferCacheValid) {
-        auto it = mHistogramCache.find(work);
-        if (it != mHistogramCache.end()) {
-            *histogram = it->second;
+        if (const Histogram* cached = mHistogramCache.find(work)) {
+            *histogram = *cached;
             *_aidl_return = Error::NONE;
             return ndk::ScopedAStatus::ok();
         }
@@ -354,7 +378,7 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
         return fail(Error::SCREEN_OFF);
     }
     if (!captureScreenAllowed()) return fail(Error::FAILED);
-    const int ret = setCWBOutputBuffer(work, true);
+    const int ret = writeback(displayId, false, work, true);
     if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
         ALOGD("Get Histogram error\n");
         return fail(Error::FAILED);
@@ -365,7 +389,7 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
     static_assert(sizeof(bins) == sizeof(Histogram{}.counts), "level-major 256 x 3 counters");
     Histogram result;
     memcpy(result.counts.data(), bins, sizeof(bins));
-    mHistogramCache[work] = result;
+    mHistogramCache.put(work, result);
     *histogram = result;
     *_aidl_return = Error::NONE;
     return ndk::ScopedAStatus::ok();
