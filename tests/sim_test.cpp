@@ -424,6 +424,32 @@ TEST_F(SimSession, OptionsAndFailedStatuses) {
                                 [](const Object& o) { return o.count("log"); }));
 }
 
+// A client file smaller than the size it declares is refused as a failed mapping, and no crop
+// reaches it; a file that holds the size maps and takes the record.
+TEST_F(SimSession, UndersizedRegionIsRefused) {
+    Options options;
+    options.logs = true;
+    const std::string session = std::string(kPhone) +
+                                "boot\nhost setPowerMode 0 2\ngetRGBValue 0,0,8,8\n"
+                                "initializeSharedMemory 30020 4096\n"
+                                "getSharedData 5 0,0,100,100 30012\n"
+                                "initializeSharedMemory 30020 30020\n"
+                                "getSharedData 5 0,0,100,100 30012\n";
+    const Played run = play(session, options);
+    ASSERT_EQ(0, run.code) << run.err;
+    EXPECT_EQ(-1, run.atLine(6).at("status").n);
+    EXPECT_EQ(-1, run.atLine(7).at("status").n);
+    EXPECT_EQ(0, run.atLine(8).at("status").n);
+    EXPECT_EQ(0, run.atLine(9).at("status").n);
+    size_t refusals = 0;
+    for (const Object& o : run.objects) {
+        refusals += o.count("log") &&
+                    o.at("text").s.rfind("MORVIK_AI::mmap failed for fd=", 0) == 0 &&
+                    o.at("text").s.find(": Invalid argument") != std::string::npos;
+    }
+    EXPECT_EQ(1u, refusals);
+}
+
 // A session that stops names the line: malformed text exits 2 before anything runs, a failing
 // command exits 1.
 struct Stop {

@@ -419,9 +419,12 @@ struct Line {
             return count(1, 1, "NAME") && name(1);
         }
         if (m == "initializeSharedMemory") {
-            if (!count(1, 1, "SIZE or none")) return false;
+            // An optional FILE size makes the client's file differ from the size it declares.
+            if (t.size() != 3 && !count(1, 1, "SIZE [FILE] or none")) return false;
             c.present = t[1] != "none";
-            return !c.present || integer(1, 0, kMaxRegion, "size");
+            if (!c.present) return t.size() == 2 || fail("initializeSharedMemory none: no FILE");
+            return integer(1, 0, kMaxRegion, "size") &&
+                   (t.size() == 2 || integer(2, 0, kMaxRegion, "file size"));
         }
         if (m == "readShared") {
             return count(1, 2, "OFFSET LENGTH") && integer(1, 0, kMaxRegion, "offset") &&

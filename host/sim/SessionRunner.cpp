@@ -380,7 +380,8 @@ bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* 
         if (c.present) {
             fresh = std::make_unique<SharedRegion>();
             std::string why;
-            if (!fresh->create(static_cast<size_t>(c.nums[0]), &why)) {
+            const int64_t fileSize = c.nums.size() > 1 ? c.nums[1] : c.nums[0];
+            if (!fresh->create(static_cast<size_t>(fileSize), &why)) {
                 return fail("initializeSharedMemory: cannot create the client's region: " + why);
             }
         }
