@@ -752,6 +752,24 @@ TEST_F(SimBinary, ExitStatusFollowsWhatWentWrong) {
     EXPECT_EQ("{\"call\":\"enable\",\"status\":0,\"result\":true,\"line\":2}\n", out);
 }
 
+// What cannot be played exits 1 and says why; a message never quotes a token whole or prints
+// raw control bytes.
+TEST_F(SimBinary, InputErrorsAreNamedSafely) {
+    EXPECT_EQ(1, sh("."));
+    EXPECT_EQ("cwb-sim: cannot read .: Is a directory\n", err);
+    std::ofstream(path("empty.json")).flush();
+    EXPECT_EQ(1, sh("-", "file weights main empty.json\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 1: file weights: empty.json is empty\n", err);
+    EXPECT_EQ(1, sh("-", "file weights main .\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 1: file weights: cannot read .: Is a directory\n", err);
+    EXPECT_EQ(2, sh("-", "boot\ngetRGBValue " + std::string(1 << 20, '7') + "\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 2: getRGBValue: bad rectangle '" + std::string(63, '7') +
+                      "... expected L,T,R,B, each decimal or 0x hexadecimal\n",
+              err);
+    EXPECT_EQ(2, sh("-", "get\x01\x1b[2J\xff 1\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 1: unknown command 'get\\x01\\x1b[2J\\xff'\n", err);
+}
+
 TEST_F(SimBinary, PicturesExampleWritesBothImages) {
     ASSERT_EQ(0, sh(std::string(CWB_EXAMPLES_DIR) + "/pictures.cwb")) << err;
     Frame capture, plot;

@@ -7,8 +7,10 @@
 #include <host/log_capture.h>
 #include <host/properties.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -286,9 +288,15 @@ bool SessionRunner::applyCommandLineFrame() {
 
 bool SessionRunner::fileWeights(const Command& c) {
     const std::string path = resolve(c.str);
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        return fail("file weights: cannot read " + path + ": " + strerror(EISDIR));
+    }
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
-    if (!in || !(text << in.rdbuf())) return fail("file weights: cannot read " + path);
+    if (in) text << in.rdbuf();  // an empty file inserts nothing, which is not a read error
+    if (!in || in.bad()) return fail("file weights: cannot read " + path);
+    if (text.str().empty()) return fail("file weights: " + path + " is empty");
     mDevice->writeWeights(c.panel, text.str());
     return true;
 }

@@ -10,6 +10,7 @@
 #include "CommandLine.h"
 #include "DefaultSession.h"
 #include "JsonPrinter.h"
+#include "MessageText.h"
 #include "SessionParser.h"
 #include "SessionRunner.h"
 #include "TablePrinter.h"
@@ -41,10 +42,21 @@ int Simulator::main(const std::vector<std::string>& args, std::istream& in, std:
     }
     std::ifstream file(script, std::ios::binary);
     if (!file) {
-        err << "cwb-sim: cannot open " << script << ": " << strerror(errno) << "\n";
+        err << "cwb-sim: cannot open " << printableMessage(script) << ": " << strerror(errno)
+            << "\n";
+        return kFailed;
+    }
+    std::error_code ignored;
+    if (std::filesystem::is_directory(script, ignored)) {
+        err << "cwb-sim: cannot read " << printableMessage(script) << ": " << strerror(EISDIR)
+            << "\n";
         return kFailed;
     }
     text << file.rdbuf();
+    if (file.bad()) {
+        err << "cwb-sim: cannot read " << printableMessage(script) << "\n";
+        return kFailed;
+    }
     const std::string baseDir = std::filesystem::path(script).parent_path().string();
     return play(text.str(), script, baseDir, commandLine.options(), out, err);
 }
@@ -54,8 +66,8 @@ int Simulator::play(const std::string& text, const std::string& source, const st
     std::vector<Command> commands;
     SessionError malformed;
     if (!SessionParser::parse(text, &commands, &malformed)) {
-        err << "cwb-sim: " << source << " line " << malformed.line << ": " << malformed.message
-            << "\n";
+        err << "cwb-sim: " << printableMessage(source) << " line " << malformed.line << ": "
+            << printableMessage(malformed.message) << "\n";
         return kMalformed;
     }
     std::unique_ptr<Printer> printer;
@@ -72,9 +84,9 @@ int Simulator::play(const std::string& text, const std::string& source, const st
         error = runner.error();
         line = runner.errorLine();
     }
-    err << "cwb-sim: " << source;
+    err << "cwb-sim: " << printableMessage(source);
     if (line > 0) err << " line " << line;
-    err << ": " << error << "\n";
+    err << ": " << printableMessage(error) << "\n";
     return kFailed;
 }
 
