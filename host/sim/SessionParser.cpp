@@ -479,10 +479,24 @@ bool beforeBootOnly(const Command& c) {
 bool SessionParser::parse(const std::string& text, std::vector<Command>* commands,
                           SessionError* error) {
     std::vector<Command> out;
-    std::istringstream in(text);
+    if (!parse(
+                text, [&out](const Command& c) { return out.push_back(c), true; }, error)) {
+        return false;
+    }
+    *commands = std::move(out);
+    return true;
+}
+
+bool SessionParser::parse(const std::string& text, const std::function<bool(const Command&)>& sink,
+                          SessionError* error) {
     int number = 0;
     int bootLine = 0;
-    for (std::string raw; std::getline(in, raw);) {
+    // Line by line in place: a long session is not copied whole once more.
+    for (size_t start = 0; start < text.size();) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        const std::string raw = text.substr(start, end - start);
+        start = end + 1;
         ++number;
         const std::vector<std::string> t = tokens(raw);
         if (t.empty()) continue;
@@ -513,9 +527,8 @@ bool SessionParser::parse(const std::string& text, std::vector<Command>* command
             return false;
         }
         if (c.op == Op::Boot) bootLine = number;
-        out.push_back(std::move(c));
+        if (!sink(c)) return true;
     }
-    *commands = std::move(out);
     return true;
 }
 

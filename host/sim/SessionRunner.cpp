@@ -102,20 +102,27 @@ bool SessionRunner::fail(const std::string& message) {
 
 bool SessionRunner::run(const std::vector<Command>& commands) {
     for (const Command& c : commands) {
-        const bool setup = c.op == Op::Prop || c.op == Op::Panel || c.op == Op::FileWeights ||
-                           c.op == Op::FileApl;
-        // The command line's frame goes up once the panels are configured.
-        if (!setup && !mFrameApplied && !applyCommandLineFrame()) return false;
-        std::string note;
-        if (!execute(c, &note)) {
-            mErrorLine = c.line;
-            return false;
-        }
-        // Phone set-up lines and sleeps say nothing worth a row.
-        if (!setup && c.op != Op::Sleep && c.op != Op::Call) {
-            mPrinter.command(c.line, c.text, note);
-        }
+        if (!step(c)) return false;
     }
+    return finish();
+}
+
+bool SessionRunner::step(const Command& c) {
+    const bool setup =
+            c.op == Op::Prop || c.op == Op::Panel || c.op == Op::FileWeights || c.op == Op::FileApl;
+    // The command line's frame goes up once the panels are configured.
+    if (!setup && !mFrameApplied && !applyCommandLineFrame()) return false;
+    std::string note;
+    if (!execute(c, &note)) {
+        mErrorLine = c.line;
+        return false;
+    }
+    // Phone set-up lines and sleeps say nothing worth a row.
+    if (!setup && c.op != Op::Sleep && c.op != Op::Call) mPrinter.command(c.line, c.text, note);
+    return true;
+}
+
+bool SessionRunner::finish() {
     return mFrameApplied || applyCommandLineFrame();
 }
 

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 
@@ -35,10 +36,10 @@ int Simulator::main(const std::vector<std::string>& args, std::istream& in, std:
         return play(DefaultSession::text(), "built-in session", "", commandLine.options(), out,
                     err);
     }
-    std::ostringstream text;
     if (script == "-") {
-        text << in.rdbuf();
-        return play(text.str(), "<stdin>", "", commandLine.options(), out, err);
+        const std::string text{std::istreambuf_iterator<char>(in),
+                               std::istreambuf_iterator<char>()};
+        return play(text, "<stdin>", "", commandLine.options(), out, err);
     }
     std::ifstream file(script, std::ios::binary);
     if (!file) {
@@ -52,20 +53,23 @@ int Simulator::main(const std::vector<std::string>& args, std::istream& in, std:
             << "\n";
         return kFailed;
     }
-    text << file.rdbuf();
+    // Read straight into one string: a long session is held once, not twice.
+    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
     if (file.bad()) {
         err << "cwb-sim: cannot read " << printableMessage(script) << "\n";
         return kFailed;
     }
     const std::string baseDir = std::filesystem::path(script).parent_path().string();
-    return play(text.str(), script, baseDir, commandLine.options(), out, err);
+    return play(text, script, baseDir, commandLine.options(), out, err);
 }
 
 int Simulator::play(const std::string& text, const std::string& source, const std::string& baseDir,
                     const Options& options, std::ostream& out, std::ostream& err) {
-    std::vector<Command> commands;
+    // Every line is checked before anything plays; the commands are then parsed again one at a
+    // time as they play, so a long session never holds all of them.
     SessionError malformed;
-    if (!SessionParser::parse(text, &commands, &malformed)) {
+    if (!SessionParser::parse(
+                text, [](const Command&) { return true; }, &malformed)) {
         err << "cwb-sim: " << printableMessage(source) << " line " << malformed.line << ": "
             << printableMessage(malformed.message) << "\n";
         return kMalformed;
@@ -80,7 +84,11 @@ int Simulator::play(const std::string& text, const std::string& source, const st
     int line = 0;
     {
         SessionRunner runner(options, baseDir, *printer);
-        if (runner.run(commands)) return kPlayed;
+        bool played = true;
+        SessionError ignored;
+        SessionParser::parse(
+                text, [&](const Command& c) { return played = runner.step(c); }, &ignored);
+        if (played && runner.finish()) return kPlayed;
         error = runner.error();
         line = runner.errorLine();
     }
