@@ -79,6 +79,33 @@ TEST_F(CaptureRaceTest, ClientsComposerAndVendorRunConcurrently) {
     EXPECT_EQ(1u, host::gralloc::allocationCount());
 }
 
+// The display stored by another request while one runs changes nothing of the running one: its
+// rectangle check, buffer and answer stay the main display's. (Before the display was chosen once,
+// this rectangle failed the secondary's check.)
+TEST_F(CaptureRaceTest, DisplayStoredMidRequestLeavesItAlone) {
+    addSecondary();
+    device->setFrame(PanelId::Main, FrameKind::Mixer,
+                     host::device::Frame::filled(1080, 2400, 255, 0, 0));
+    device->setFrame(PanelId::Secondary, FrameKind::Mixer,
+                     host::device::Frame::filled(720, 1600, 0, 0, 255));
+    bootOn();
+    composer->powerMode(3, 2);
+    setDebug({1});
+    host::log::setListener([this](const host::log::Line& line) {
+        if (line.text.rfind("getRGBValue [", 0) == 0) peer->setDisplayId(3);
+    });
+    std::vector<int32_t> values;
+    Error error = Error::FAILED;
+    ASSERT_TRUE(service->getCwbValue(1, rect(800, 1700, 830, 1730), &values, &error).isOk());
+    host::log::setListener(nullptr);
+    EXPECT_EQ(Error::NONE, error);
+    ASSERT_EQ(9u, values.size());
+    EXPECT_EQ((std::vector<int32_t>{255, 0, 0}),
+              std::vector<int32_t>(values.begin(), values.begin() + 3));
+    EXPECT_EQ(1u, vendor().requests().size());
+    EXPECT_EQ(1, vendor().requests()[0].displayType);
+}
+
 // Feature 1 (main) and feature 3 (secondary) at once, each display showing its own colour: every
 // answer comes whole from the display its feature names, never from the other one's buffer.
 TEST_F(CaptureRaceTest, DispatcherServesEachFeatureItsOwnDisplay) {
