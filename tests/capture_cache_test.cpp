@@ -71,5 +71,42 @@ TEST_F(CaptureCacheTest, ResultsLiveAsLongAsTheirFrame) {
     EXPECT_EQ(before + 1, vendor().requests().size());
 }
 
+// A client walking new rectangles over a static screen fills each cache to its cap and no
+// further: the oldest entry gives way, and every answer stays what the frame says.
+TEST_F(CaptureCacheTest, CachesStopAtTheirCapOldestFirst) {
+    using aidl::vendor::zarel::hardware::cwb::implementation::kResultCacheCap;
+    constexpr int kRects = static_cast<int>(kResultCacheCap) + 2;
+    auto cell = [](int i) {
+        const int l = (i % 50) * 20, t = (i / 50) * 20;
+        return rect(l, t, l + 20, t + 20);
+    };
+    auto colour = [](int i) -> host::device::Pixel {
+        return {uint8_t(i * 3), uint8_t(255 - i * 3), uint8_t(i)};
+    };
+    auto frame = host::device::Frame::filled(1080, 2400, 0, 0, 0);
+    for (int i = 0; i < kRects; ++i) {
+        const Rect r = cell(i);
+        frame.fillRect(r.left, r.top, r.right, r.bottom, colour(i));
+    }
+    device->setFrame(PanelId::Main, FrameKind::Mixer, frame);
+    bootOn();
+    auto expectAnswer = [&](int i) {
+        ASSERT_TRUE(gateOpen());
+        const auto [word, got] = rgb(cell(i));
+        EXPECT_EQ(0, word & 0xFFFF) << i;
+        EXPECT_EQ((std::vector<int>{colour(i).r, colour(i).g, colour(i).b}),
+                  (std::vector<int>{got.r, got.g, got.b}))
+                << i;
+    };
+    for (int i = 0; i < kRects; ++i) expectAnswer(i);
+    EXPECT_EQ(kResultCacheCap, peer->cacheSize(0));
+    const size_t captured = vendor().requests().size();
+    expectAnswer(kRects - 1);  // newest: from the cache
+    EXPECT_EQ(captured, vendor().requests().size());
+    expectAnswer(0);  // oldest: evicted, captured again, the same answer
+    EXPECT_EQ(captured + 1, vendor().requests().size());
+    EXPECT_EQ(kResultCacheCap, peer->cacheSize(0));
+}
+
 }  // namespace
 }  // namespace cwbtest

@@ -79,5 +79,87 @@ TEST_F(CaptureRaceTest, ClientsComposerAndVendorRunConcurrently) {
     EXPECT_EQ(1u, host::gralloc::allocationCount());
 }
 
+// The display stored by another request while one runs changes nothing of the running one: its
+// rectangle check, buffer and answer stay the main display's. (Before the display was chosen once,
+// this rectangle failed the secondary's check.)
+TEST_F(CaptureRaceTest, DisplayStoredMidRequestLeavesItAlone) {
+    addSecondary();
+    device->setFrame(PanelId::Main, FrameKind::Mixer,
+                     host::device::Frame::filled(1080, 2400, 255, 0, 0));
+    device->setFrame(PanelId::Secondary, FrameKind::Mixer,
+                     host::device::Frame::filled(720, 1600, 0, 0, 255));
+    bootOn();
+    composer->powerMode(3, 2);
+    setDebug({1});
+    host::log::setListener([this](const host::log::Line& line) {
+        if (line.text.rfind("getRGBValue [", 0) == 0) peer->setDisplayId(3);
+    });
+    std::vector<int32_t> values;
+    Error error = Error::FAILED;
+    ASSERT_TRUE(service->getCwbValue(1, rect(800, 1700, 830, 1730), &values, &error).isOk());
+    host::log::setListener(nullptr);
+    EXPECT_EQ(Error::NONE, error);
+    ASSERT_EQ(9u, values.size());
+    EXPECT_EQ((std::vector<int32_t>{255, 0, 0}),
+              std::vector<int32_t>(values.begin(), values.begin() + 3));
+    EXPECT_EQ(1u, vendor().requests().size());
+    EXPECT_EQ(1, vendor().requests()[0].displayType);
+}
+
+// Feature 1 (main) and feature 3 (secondary) at once, each display showing its own colour: every
+// answer comes whole from the display its feature names, never from the other one's buffer.
+TEST_F(CaptureRaceTest, DispatcherServesEachFeatureItsOwnDisplay) {
+    addSecondary();
+    device->setFrame(PanelId::Main, FrameKind::Mixer,
+                     host::device::Frame::filled(1080, 2400, 255, 0, 0));
+    device->setFrame(PanelId::Secondary, FrameKind::Mixer,
+                     host::device::Frame::filled(720, 1600, 0, 0, 255));
+    bootOn();
+    composer->powerMode(3, 2);
+
+    struct Client {
+        int32_t feature;
+        Rect rect;
+        std::vector<int32_t> colour;
+        std::atomic<int> served{0};
+        std::atomic<int> wrong{0};
+    };
+    Client clients[] = {{1, rect(0, 0, 30, 30), {255, 0, 0}},
+                        {3, rect(30, 30, 60, 60), {0, 0, 255}}};
+    constexpr int kServedEach = 8;
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    std::atomic<bool> stop{false};
+    std::thread host([&] {
+        while (!stop) {
+            composer->layerChange();
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+    });
+    auto run = [&](Client& c) {
+        while (c.served < kServedEach && std::chrono::steady_clock::now() < deadline) {
+            std::vector<int32_t> values;
+            Error error = Error::NONE;
+            ASSERT_TRUE(service->getCwbValue(c.feature, c.rect, &values, &error).isOk());
+            if (error == Error::NONE) {
+                ASSERT_EQ(9u, values.size());
+                ++c.served;
+                if (std::vector<int32_t>(values.begin(), values.begin() + 3) != c.colour) ++c.wrong;
+            } else if (error != Error::FAILED) {
+                ++c.wrong;  // busy or gated requests fail; nothing else may
+            }
+        }
+    };
+    std::thread main([&] { run(clients[0]); });
+    std::thread secondary([&] { run(clients[1]); });
+    main.join();
+    secondary.join();
+    stop = true;
+    host.join();
+    for (const Client& c : clients) {
+        EXPECT_EQ(kServedEach, c.served) << "feature " << c.feature;
+        EXPECT_EQ(0, c.wrong) << "feature " << c.feature;
+    }
+}
+
 }  // namespace
 }  // namespace cwbtest

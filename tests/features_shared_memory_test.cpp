@@ -34,10 +34,10 @@ const std::string kNoRegion = "MORVIK_AI::The shared space has not been initiali
 // A client's memfd, mapped whole here so that bytes the service must not touch can be checked,
 // even past the length the service maps.
 struct ClientRegion {
-    explicit ClientRegion(size_t size) : size(size) {
+    explicit ClientRegion(size_t size, unsigned flags = MFD_CLOEXEC) : size(size) {
         static std::atomic<int> serial{0};
         name = "cwb_client_region_" + std::to_string(getpid()) + "_" + std::to_string(++serial);
-        fd.reset(memfd_create(name.c_str(), MFD_CLOEXEC));
+        fd.reset(memfd_create(name.c_str(), flags));
         EXPECT_EQ(0, ftruncate(fd.get(), static_cast<off_t>(size)));
         base = static_cast<uint8_t*>(
                 mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, fd.get(), 0));
@@ -290,6 +290,75 @@ TEST_F(SharedMemoryTest, ClientSequence) {
     EXPECT_EQ(1u, other.mappings());
     EXPECT_EQ((Lines(2, {kE, "MORVIK_AI::CwbService Release shared memory"})), logged());
 }
+
+// A client file smaller than it claims, or shrunk under the mapping, never faults the service: it
+// is refused at mapping, sealed where the file allows, and sized again before a copy where not.
+struct RegionCase {
+    const char* name;
+    unsigned flags;
+    off_t fileSize;
+    off_t shrinkTo;  // -1: the client leaves its file alone
+    bool mapped;
+    bool sealed;
+    bool copies;
+};
+
+class SharedRegionFaults : public SharedMemoryTest,
+                           public ::testing::WithParamInterface<RegionCase> {};
+
+TEST_P(SharedRegionFaults, NeverFaultsTheService) {
+    const RegionCase& tc = GetParam();
+    bootOn();
+    capture();
+    const Rect crop = rect(300, 400, 400, 500);  // a record of 30012 bytes
+    ClientRegion region(static_cast<size_t>(tc.fileSize), tc.flags);
+    const std::string fd = std::to_string(region.fd.get());
+    host::log::clear();
+    const ndk::ScopedAStatus mapping = init(region, 30020);
+    EXPECT_EQ(tc.mapped, peer->sharedMemoryMapped());
+    if (!tc.mapped) {
+        EXPECT_TRUE(minusOne(mapping));
+        EXPECT_EQ(1u,
+                  logCount(kE, "MORVIK_AI::mmap failed for fd=" + fd + ": " + strerror(EINVAL)));
+        EXPECT_TRUE(shared(kCopy, crop, 30012).refused());
+        return;
+    }
+    ASSERT_TRUE(mapping.isOk());
+    EXPECT_EQ(tc.sealed, peer->sharedMemorySealed());
+    if (tc.shrinkTo >= 0) {
+        // The seal stops only shrinking: the client still writes and grows its file.
+        EXPECT_EQ(tc.sealed ? -1 : 0, ftruncate(region.fd.get(), tc.shrinkTo));
+        if (tc.sealed) EXPECT_EQ(EPERM, errno);
+    }
+    host::log::clear();
+    Shared copy = shared(kCopy, crop, 30012);
+    if (tc.copies) {
+        EXPECT_TRUE(copy.ok());
+        EXPECT_TRUE(holdsRecord(region, crop));
+        EXPECT_EQ(0, ftruncate(region.fd.get(), tc.fileSize + 4096));
+        return;
+    }
+    EXPECT_TRUE(copy.refused());
+    EXPECT_EQ((Lines{{kE, "MORVIK_AI::shared memory fd=" + fd + " holds " +
+                                  std::to_string(tc.shrinkTo) +
+                                  " of 30020 mapped bytes; record of 30012 refused"},
+                     {kE, kRefused}}),
+              logged());
+    // What the shrunk file still holds is written: a 10 x 10 crop needs 312 bytes.
+    const bool fits = tc.shrinkTo >= 312;
+    EXPECT_EQ(fits, shared(kCopy, rect(300, 400, 310, 410), 312).ok());
+    if (fits) EXPECT_EQ(0, memcmp(region.base + 308, "\xEF\xBE\xAD\xDE", 4));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+        Regions, SharedRegionFaults,
+        ::testing::Values(
+                RegionCase{"Undersized", MFD_CLOEXEC, 4096, -1, false, false, false},
+                RegionCase{"UndersizedSealable", MFD_ALLOW_SEALING, 30019, -1, false, false, false},
+                RegionCase{"Sealed", MFD_ALLOW_SEALING, 30020, 0, true, true, true},
+                RegionCase{"UnsealedShrunk", MFD_CLOEXEC, 30020, 4096, true, false, false},
+                RegionCase{"UnsealedShrunkToNothing", MFD_CLOEXEC, 30020, 0, true, false, false}),
+        [](const auto& info) { return std::string(info.param.name); });
 
 // Requests, copies, mode switches, region changes and layer changes from several threads at
 // once; under ThreadSanitizer this is where a data race would show.

@@ -113,7 +113,11 @@ class CwbServiceTestPeer {
     }
     bool sharedMemoryMapped() {
         std::lock_guard<std::mutex> lock(s.mSharedMemoryMutex);
-        return s.mSharedMemory != nullptr;
+        return s.mSharedMemory.mapped();
+    }
+    bool sharedMemorySealed() {
+        std::lock_guard<std::mutex> lock(s.mSharedMemoryMutex);
+        return s.mSharedMemory.sealed();
     }
 
     void prepareCwbBuffer() {

@@ -451,6 +451,32 @@ TEST_F(SimSession, OptionsAndFailedStatuses) {
                                 [](const Object& o) { return o.count("log"); }));
 }
 
+// A client file smaller than the size it declares is refused as a failed mapping, and no crop
+// reaches it; a file that holds the size maps and takes the record.
+TEST_F(SimSession, UndersizedRegionIsRefused) {
+    Options options;
+    options.logs = true;
+    const std::string session = std::string(kPhone) +
+                                "boot\nhost setPowerMode 0 2\ngetRGBValue 0,0,8,8\n"
+                                "initializeSharedMemory 30020 4096\n"
+                                "getSharedData 5 0,0,100,100 30012\n"
+                                "initializeSharedMemory 30020 30020\n"
+                                "getSharedData 5 0,0,100,100 30012\n";
+    const Played run = play(session, options);
+    ASSERT_EQ(0, run.code) << run.err;
+    EXPECT_EQ(-1, run.atLine(6).at("status").n);
+    EXPECT_EQ(-1, run.atLine(7).at("status").n);
+    EXPECT_EQ(0, run.atLine(8).at("status").n);
+    EXPECT_EQ(0, run.atLine(9).at("status").n);
+    size_t refusals = 0;
+    for (const Object& o : run.objects) {
+        refusals += o.count("log") &&
+                    o.at("text").s.rfind("MORVIK_AI::mmap failed for fd=", 0) == 0 &&
+                    o.at("text").s.find(": Invalid argument") != std::string::npos;
+    }
+    EXPECT_EQ(1u, refusals);
+}
+
 // A session that stops names the line: malformed text exits 2 before anything runs, a failing
 // command exits 1.
 struct Stop {
@@ -759,6 +785,24 @@ TEST_F(SimBinary, ExitStatusFollowsWhatWentWrong) {
     EXPECT_EQ(1, sh("-", "boot\nsnapshot main x.png\n"));
     EXPECT_EQ(0, sh("--json -", "boot\nenable\n"));
     EXPECT_EQ("{\"call\":\"enable\",\"status\":0,\"result\":true,\"line\":2}\n", out);
+}
+
+// What cannot be played exits 1 and says why; a message never quotes a token whole or prints
+// raw control bytes.
+TEST_F(SimBinary, InputErrorsAreNamedSafely) {
+    EXPECT_EQ(1, sh("."));
+    EXPECT_EQ("cwb-sim: cannot read .: Is a directory\n", err);
+    std::ofstream(path("empty.json")).flush();
+    EXPECT_EQ(1, sh("-", "file weights main empty.json\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 1: file weights: empty.json is empty\n", err);
+    EXPECT_EQ(1, sh("-", "file weights main .\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 1: file weights: cannot read .: Is a directory\n", err);
+    EXPECT_EQ(2, sh("-", "boot\ngetRGBValue " + std::string(1 << 20, '7') + "\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 2: getRGBValue: bad rectangle '" + std::string(63, '7') +
+                      "... expected L,T,R,B, each decimal or 0x hexadecimal\n",
+              err);
+    EXPECT_EQ(2, sh("-", "get\x01\x1b[2J\xff 1\n"));
+    EXPECT_EQ("cwb-sim: <stdin> line 1: unknown command 'get\\x01\\x1b[2J\\xff'\n", err);
 }
 
 TEST_F(SimBinary, PicturesExampleWritesBothImages) {

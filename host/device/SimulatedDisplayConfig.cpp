@@ -82,7 +82,7 @@ struct SimulatedDisplayConfig::Engine {
     std::vector<BufferId> inFlight;
     size_t inProgress = 0;
     size_t completions = 0;
-    std::vector<WritebackRequest> requests;
+    std::deque<WritebackRequest> requests;  // the most recent kHistoryWindow
     std::function<void(const WritebackRequest&)> observer;
     std::mutex joinMutex;
     std::thread thread;
@@ -365,6 +365,7 @@ ndk::ScopedAStatus SimulatedDisplayConfig::setCWBOutputBuffer(
         std::lock_guard<std::mutex> lock(mEngine->mutex);
         record.result = mEngine->accept(callback, record.displayType, rect, postProcessed, buffer);
         mEngine->requests.push_back(record);
+        if (mEngine->requests.size() > kHistoryWindow) mEngine->requests.pop_front();
         observer = mEngine->observer;
     }
     if (observer) observer(record);
@@ -457,7 +458,7 @@ void SimulatedDisplayConfig::setRequestObserver(
 
 std::vector<WritebackRequest> SimulatedDisplayConfig::requests() const {
     std::lock_guard<std::mutex> lock(mEngine->mutex);
-    return mEngine->requests;
+    return {mEngine->requests.begin(), mEngine->requests.end()};
 }
 
 void SimulatedDisplayConfig::clearRequests() {

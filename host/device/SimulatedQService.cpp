@@ -26,6 +26,8 @@ android::status_t SimulatedQService::dispatch(uint32_t command, const android::P
         out->writeInt32(it != mAnswers.end() ? it->second : 0);
     }
     mCommands.push_back(std::move(record));
+    if (mCommands.size() > kHistoryWindow) mCommands.pop_front();
+    ++mCommandCount;
     mChanged.notify_all();
     return android::OK;
 }
@@ -37,7 +39,7 @@ void SimulatedQService::setAnswer(uint32_t code, int32_t value) {
 
 std::vector<QServiceCommand> SimulatedQService::commands() const {
     std::lock_guard<std::mutex> lock(mMutex);
-    return mCommands;
+    return {mCommands.begin(), mCommands.end()};
 }
 
 std::vector<QServiceCommand> SimulatedQService::commands(uint32_t code) const {
@@ -52,11 +54,12 @@ std::vector<QServiceCommand> SimulatedQService::commands(uint32_t code) const {
 void SimulatedQService::clearCommands() {
     std::lock_guard<std::mutex> lock(mMutex);
     mCommands.clear();
+    mCommandCount = 0;
 }
 
 bool SimulatedQService::waitForCommands(size_t n, std::chrono::milliseconds timeout) const {
     std::unique_lock<std::mutex> lock(mMutex);
-    return mChanged.wait_for(lock, timeout, [&] { return mCommands.size() >= n; });
+    return mChanged.wait_for(lock, timeout, [&] { return mCommandCount >= n; });
 }
 
 }  // namespace host::device

@@ -372,9 +372,12 @@ struct Line {
             return count(1, 1, "NAME") && name(1);
         }
         if (m == "initializeSharedMemory") {
-            if (!count(1, 1, "SIZE or none")) return false;
+            // An optional FILE size makes the client's file differ from the size it declares.
+            if (t.size() != 3 && !count(1, 1, "SIZE [FILE] or none")) return false;
             c.present = t[1] != "none";
-            return !c.present || integer(1, 0, kMaxRegion, "size");
+            if (!c.present) return t.size() == 2 || fail("initializeSharedMemory none: no FILE");
+            return integer(1, 0, kMaxRegion, "size") &&
+                   (t.size() == 2 || integer(2, 0, kMaxRegion, "file size"));
         }
         if (m == "readShared") {
             return count(1, 2, "OFFSET LENGTH") && integer(1, 0, kMaxRegion, "offset") &&
@@ -429,10 +432,24 @@ bool beforeBootOnly(const Command& c) {
 bool SessionParser::parse(const std::string& text, std::vector<Command>* commands,
                           SessionError* error) {
     std::vector<Command> out;
-    std::istringstream in(text);
+    if (!parse(
+                text, [&out](const Command& c) { return out.push_back(c), true; }, error)) {
+        return false;
+    }
+    *commands = std::move(out);
+    return true;
+}
+
+bool SessionParser::parse(const std::string& text, const std::function<bool(const Command&)>& sink,
+                          SessionError* error) {
     int number = 0;
     int bootLine = 0;
-    for (std::string raw; std::getline(in, raw);) {
+    // Line by line in place: a long session is not copied whole once more.
+    for (size_t start = 0; start < text.size();) {
+        size_t end = text.find('\n', start);
+        if (end == std::string::npos) end = text.size();
+        const std::string raw = text.substr(start, end - start);
+        start = end + 1;
         ++number;
         const std::vector<std::string> t = tokens(raw);
         if (t.empty()) continue;
@@ -463,9 +480,8 @@ bool SessionParser::parse(const std::string& text, std::vector<Command>* command
             return false;
         }
         if (c.op == Op::Boot) bootLine = number;
-        out.push_back(std::move(c));
+        if (!sink(c)) return true;
     }
-    *commands = std::move(out);
     return true;
 }
 

@@ -7,8 +7,10 @@
 #include <host/log_capture.h>
 #include <host/properties.h>
 
+#include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -100,20 +102,27 @@ bool SessionRunner::fail(const std::string& message) {
 
 bool SessionRunner::run(const std::vector<Command>& commands) {
     for (const Command& c : commands) {
-        const bool setup = c.op == Op::Prop || c.op == Op::Panel || c.op == Op::FileWeights ||
-                           c.op == Op::FileApl;
-        // The command line's frame goes up once the panels are configured.
-        if (!setup && !mFrameApplied && !applyCommandLineFrame()) return false;
-        std::string note;
-        if (!execute(c, &note)) {
-            mErrorLine = c.line;
-            return false;
-        }
-        // Phone set-up lines and sleeps say nothing worth a row.
-        if (!setup && c.op != Op::Sleep && c.op != Op::Call) {
-            mPrinter.command(c.line, c.text, note);
-        }
+        if (!step(c)) return false;
     }
+    return finish();
+}
+
+bool SessionRunner::step(const Command& c) {
+    const bool setup =
+            c.op == Op::Prop || c.op == Op::Panel || c.op == Op::FileWeights || c.op == Op::FileApl;
+    // The command line's frame goes up once the panels are configured.
+    if (!setup && !mFrameApplied && !applyCommandLineFrame()) return false;
+    std::string note;
+    if (!execute(c, &note)) {
+        mErrorLine = c.line;
+        return false;
+    }
+    // Phone set-up lines and sleeps say nothing worth a row.
+    if (!setup && c.op != Op::Sleep && c.op != Op::Call) mPrinter.command(c.line, c.text, note);
+    return true;
+}
+
+bool SessionRunner::finish() {
     return mFrameApplied || applyCommandLineFrame();
 }
 
@@ -286,9 +295,15 @@ bool SessionRunner::applyCommandLineFrame() {
 
 bool SessionRunner::fileWeights(const Command& c) {
     const std::string path = resolve(c.str);
+    std::error_code ignored;
+    if (std::filesystem::is_directory(path, ignored)) {
+        return fail("file weights: cannot read " + path + ": " + strerror(EISDIR));
+    }
     std::ifstream in(path, std::ios::binary);
     std::ostringstream text;
-    if (!in || !(text << in.rdbuf())) return fail("file weights: cannot read " + path);
+    if (in) text << in.rdbuf();  // an empty file inserts nothing, which is not a read error
+    if (!in || in.bad()) return fail("file weights: cannot read " + path);
+    if (text.str().empty()) return fail("file weights: " + path + " is empty");
     mDevice->writeWeights(c.panel, text.str());
     return true;
 }
@@ -380,7 +395,8 @@ bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* 
         if (c.present) {
             fresh = std::make_unique<SharedRegion>();
             std::string why;
-            if (!fresh->create(static_cast<size_t>(c.nums[0]), &why)) {
+            const int64_t fileSize = c.nums.size() > 1 ? c.nums[1] : c.nums[0];
+            if (!fresh->create(static_cast<size_t>(fileSize), &why)) {
                 return fail("initializeSharedMemory: cannot create the client's region: " + why);
             }
         }

@@ -41,6 +41,9 @@ class SessionRunner {
 
     // Plays the commands in order; false at the first that could not be done.
     bool run(const std::vector<Command>& commands);
+    // The same one command at a time: step() for each, then finish() once. False stops the run.
+    bool step(const Command& c);
+    bool finish();
     // Why run() stopped, and at which session line (0 for the command line's --frame).
     const std::string& error() const { return mError; }
     int errorLine() const { return mErrorLine; }

@@ -4,12 +4,14 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 
 #include "CommandLine.h"
 #include "DefaultSession.h"
 #include "JsonPrinter.h"
+#include "MessageText.h"
 #include "SessionParser.h"
 #include "SessionRunner.h"
 #include "TablePrinter.h"
@@ -34,28 +36,42 @@ int Simulator::main(const std::vector<std::string>& args, std::istream& in, std:
         return play(DefaultSession::text(), "built-in session", "", commandLine.options(), out,
                     err);
     }
-    std::ostringstream text;
     if (script == "-") {
-        text << in.rdbuf();
-        return play(text.str(), "<stdin>", "", commandLine.options(), out, err);
+        const std::string text{std::istreambuf_iterator<char>(in),
+                               std::istreambuf_iterator<char>()};
+        return play(text, "<stdin>", "", commandLine.options(), out, err);
     }
     std::ifstream file(script, std::ios::binary);
     if (!file) {
-        err << "cwb-sim: cannot open " << script << ": " << strerror(errno) << "\n";
+        err << "cwb-sim: cannot open " << printableMessage(script) << ": " << strerror(errno)
+            << "\n";
         return kFailed;
     }
-    text << file.rdbuf();
+    std::error_code ignored;
+    if (std::filesystem::is_directory(script, ignored)) {
+        err << "cwb-sim: cannot read " << printableMessage(script) << ": " << strerror(EISDIR)
+            << "\n";
+        return kFailed;
+    }
+    // Read straight into one string: a long session is held once, not twice.
+    const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    if (file.bad()) {
+        err << "cwb-sim: cannot read " << printableMessage(script) << "\n";
+        return kFailed;
+    }
     const std::string baseDir = std::filesystem::path(script).parent_path().string();
-    return play(text.str(), script, baseDir, commandLine.options(), out, err);
+    return play(text, script, baseDir, commandLine.options(), out, err);
 }
 
 int Simulator::play(const std::string& text, const std::string& source, const std::string& baseDir,
                     const Options& options, std::ostream& out, std::ostream& err) {
-    std::vector<Command> commands;
+    // Every line is checked before anything plays; the commands are then parsed again one at a
+    // time as they play, so a long session never holds all of them.
     SessionError malformed;
-    if (!SessionParser::parse(text, &commands, &malformed)) {
-        err << "cwb-sim: " << source << " line " << malformed.line << ": " << malformed.message
-            << "\n";
+    if (!SessionParser::parse(
+                text, [](const Command&) { return true; }, &malformed)) {
+        err << "cwb-sim: " << printableMessage(source) << " line " << malformed.line << ": "
+            << printableMessage(malformed.message) << "\n";
         return kMalformed;
     }
     std::unique_ptr<Printer> printer;
@@ -68,13 +84,17 @@ int Simulator::play(const std::string& text, const std::string& source, const st
     int line = 0;
     {
         SessionRunner runner(options, baseDir, *printer);
-        if (runner.run(commands)) return kPlayed;
+        bool played = true;
+        SessionError ignored;
+        SessionParser::parse(
+                text, [&](const Command& c) { return played = runner.step(c); }, &ignored);
+        if (played && runner.finish()) return kPlayed;
         error = runner.error();
         line = runner.errorLine();
     }
-    err << "cwb-sim: " << source;
+    err << "cwb-sim: " << printableMessage(source);
     if (line > 0) err << " line " << line;
-    err << ": " << error << "\n";
+    err << ": " << printableMessage(error) << "\n";
     return kFailed;
 }
 

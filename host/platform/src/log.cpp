@@ -3,6 +3,7 @@
 #include <host/log_capture.h>
 
 #include <cstdio>
+#include <deque>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -12,7 +13,7 @@ namespace {
 
 struct LogStore {
     std::mutex mutex;
-    std::vector<host::log::Line> lines;
+    std::deque<host::log::Line> lines;
     std::function<void(const host::log::Line&)> listener;
     bool echo = false;
 };
@@ -37,6 +38,7 @@ void record(int priority, const char* tag, std::string text) {
     if (s.echo || priority == ANDROID_LOG_FATAL) writeStderr(line);
     s.lines.push_back(std::move(line));
     if (s.listener) s.listener(s.lines.back());
+    if (s.lines.size() > host::log::kWindow) s.lines.pop_front();
 }
 
 std::string format(const char* fmt, va_list ap) {
@@ -104,7 +106,7 @@ char priorityLetter(int priority) {
 std::vector<Line> lines() {
     LogStore& s = store();
     std::lock_guard<std::mutex> lock(s.mutex);
-    return s.lines;
+    return {s.lines.begin(), s.lines.end()};
 }
 
 void clear() {

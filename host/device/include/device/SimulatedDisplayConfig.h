@@ -93,6 +93,9 @@ class SimulatedDisplayConfig : public config::BnDisplayConfig {
     // request is queued, so a test can act between the call and the caller's wait.
     void setRequestObserver(std::function<void(const WritebackRequest&)> observer);
 
+    // The most recent kHistoryWindow requests, oldest first: a long session or soak keeps a
+    // bounded history.
+    static constexpr size_t kHistoryWindow = 4096;
     std::vector<WritebackRequest> requests() const;
     void clearRequests();
     // Callbacks that have returned.

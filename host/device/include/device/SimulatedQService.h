@@ -8,6 +8,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <mutex>
 #include <vector>
@@ -30,6 +31,10 @@ class SimulatedQService : public qService::BnQService {
     android::status_t dispatch(uint32_t command, const android::Parcel* in,
                                android::Parcel* out) override;
 
+    // The most recent kHistoryWindow commands are kept, oldest first, so that a long session or
+    // soak runs in bounded memory; waitForCommands counts every command since the last clear.
+    static constexpr size_t kHistoryWindow = 4096;
+
     void setAnswer(uint32_t code, int32_t value);
     std::vector<QServiceCommand> commands() const;
     std::vector<QServiceCommand> commands(uint32_t code) const;
@@ -41,7 +46,8 @@ class SimulatedQService : public qService::BnQService {
     mutable std::mutex mMutex;
     mutable std::condition_variable mChanged;
     std::map<uint32_t, int32_t> mAnswers;
-    std::vector<QServiceCommand> mCommands;
+    std::deque<QServiceCommand> mCommands;
+    size_t mCommandCount = 0;  // since the last clear, beyond the window too
 };
 
 }  // namespace host::device

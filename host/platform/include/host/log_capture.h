@@ -14,7 +14,11 @@ struct Line {
     std::string text;  // the formatted message exactly as logged, trailing "\n" included
 };
 
-// Snapshot of every recorded line, oldest first.
+// Lines kept: the most recent ones, so that a long session or soak logs in bounded memory. The
+// listener still sees every line.
+constexpr size_t kWindow = 4096;
+
+// Snapshot of the recorded lines (at most kWindow), oldest first.
 std::vector<Line> lines();
 // Logcat's letter for a priority: V, D, I, W, E, F, S, or ? for anything else.
 char priorityLetter(int priority);

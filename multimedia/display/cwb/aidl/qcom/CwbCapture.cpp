@@ -34,7 +34,10 @@ constexpr int64_t kWritebackTimeoutNs = 1000000000;
 // ---- Capture buffers ----
 
 void CwbService::prepareCwbBuffer() {
-    const int32_t displayId = mDisplayId;
+    prepareCwbBuffer(mDisplayId);
+}
+
+void CwbService::prepareCwbBuffer(int32_t displayId) {
     CwbBufferInfo* info = nullptr;
     native_handle const** handle = nullptr;
     if (displayId == 0) {
@@ -121,20 +124,20 @@ bool CwbService::rectInsideBuffer(const CwbBufferInfo& info, const Rect& rect) {
 // ---- Writeback ----
 
 int CwbService::setCWBOutputBuffer(Rect rect, bool postProcessed) {
-    return writeback(false, rect, postProcessed);
+    return writeback(mDisplayId, false, rect, postProcessed);
 }
 
 int CwbService::setCWBOutputBufferSec(Rect rect, bool postProcessed) {
-    return writeback(true, rect, postProcessed);
+    return writeback(mDisplayId, true, rect, postProcessed);
 }
 
-int CwbService::writeback(bool secondary, Rect rect, bool postProcessed) {
+int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool postProcessed) {
     std::shared_ptr<IDisplayConfig> config = displayConfig();
     if (config == nullptr) {
         if (!getDisplayAidlConfig()) return -1;
         config = displayConfig();
     }
-    prepareCwbBuffer();
+    prepareCwbBuffer(displayId);
     CwbBufferInfo& info = secondary ? mCwbBufferHandle_sec : mCwbBufferHandle;
     native_handle const* handle = secondary ? mCwbNativeHandle_sec : mCwbNativeHandle;
     if (info.base == nullptr) {
@@ -239,10 +242,13 @@ void CwbService::NotifyCWBBufferDone(int error, const native_handle_t* /*buffer*
 // ---- Rectangle check and rotation ----
 
 bool CwbService::checkInputRect(const Rect& in, Rect& out) {
+    return checkInputRect(mDisplayId, in, out);
+}
+
+bool CwbService::checkInputRect(int32_t displayId, const Rect& in, Rect& out) {
     fillConfigsIfNeeded();
     if (!mConfigInitialized) return false;
 
-    const int32_t displayId = mDisplayId;
     DisplayAttributes attributes{};
     int32_t rotate = mCwbRotate;
     if (displayId == 0) {

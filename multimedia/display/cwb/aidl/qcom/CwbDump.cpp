@@ -131,9 +131,9 @@ binder_status_t CwbService::dump(int fd, const char** /*args*/, uint32_t /*numAr
 
     // A crop holds this lock while it waits for the request lock: never block on it.
     if (mSharedMemoryMutex.try_lock()) {
-        appendf(&out, "Shared memory: %zu bytes mapped, copies since pause %d, paused %d\n",
-                mSharedMemory != nullptr ? mSharedMemoryLength : 0, mCurrentScreenCount,
-                mScreenCountReached.load());
+        appendf(&out, "Shared memory: %zu bytes mapped%s, copies since pause %d, paused %d\n",
+                mSharedMemory.length(), mSharedMemory.sealed() ? " (sealed)" : "",
+                mCurrentScreenCount, mScreenCountReached.load());
         mSharedMemoryMutex.unlock();
     } else {
         appendf(&out, "Shared memory: busy, paused %d\n", mScreenCountReached.load());

@@ -59,10 +59,12 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
         return ndk::ScopedAStatus::ok();
     }
     values->clear();
+    // The display this request serves, chosen once; mDisplayId keeps the choice for later calls.
+    int32_t displayId = mDisplayId;
     auto rgbStep = [&]() {
         Rgb rgb;
         Error word = Error::NONE;
-        getRGBValue(rect, &rgb, &word);
+        getRGBValue(displayId, rect, &rgb, &word);
         const uint32_t w = static_cast<uint32_t>(word);
         *_aidl_return = static_cast<Error>(w & 0xFFFF);
         values->push_back(rgb.r);
@@ -76,13 +78,14 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
     };
     switch (featureId) {
         case CWB_RGB_VALUE:
-            mDisplayId = 0;
+            displayId = 0;
+            mDisplayId = displayId;
             rgbStep();
             break;
         case CWB_LUMAS_VALUE: {
             ALOGI("MORVIK_AI::CWB_LUMAS_VALUE::in_featureId=%d", featureId);
             std::vector<float> lumas;
-            getLumasValue(rect, &lumas, _aidl_return);
+            getLumasValue(displayId, rect, &lumas, _aidl_return);
             const float luma = lumas.empty() ? 0.0f : lumas[0];
             values->push_back(static_cast<int32_t>(luma * 10000.0f));
             if (mDebugLog) {
@@ -97,7 +100,8 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
                 *_aidl_return = Error::INVALID_ARGUMENT;
                 return ndk::ScopedAStatus::ok();
             }
-            mDisplayId = mDisplayIdSec;
+            displayId = mDisplayIdSec;
+            mDisplayId = displayId;
             rgbStep();
             break;
         default:
@@ -138,7 +142,7 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
         ATRACE_NAME("endtime");
         endtime = systemTime(SYSTEM_TIME_BOOTTIME);
         DisplayAttributes attributes{};
-        if (activeAttributes(mDisplayId, &attributes)) {
+        if (activeAttributes(displayId, &attributes)) {
             const int64_t vsync = attributes.vsyncPeriod;
             if (endtime - starttime < vsync) starttime = endtime - vsync;
         }
@@ -147,7 +151,7 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
                   static_cast<long long>(starttime), static_cast<long long>(endtime),
                   static_cast<long long>(endtime - starttime));
         }
-        if (mAplReadSupport) getDisplayPanelLoading(&loading);
+        if (mAplReadSupport) panelLoading(displayId, &loading);
     }
     appendTime(values, starttime);
     appendTime(values, endtime);
@@ -189,17 +193,22 @@ int CwbService::getDisplayPanelAplValue(std::vector<unsigned int>& values) {
     return bytes;
 }
 
-int32_t CwbService::sendQServiceQuery(uint32_t command) {
+int32_t CwbService::sendQServiceQuery(int32_t displayId, uint32_t command) {
     ::android::sp<qService::IQService> binder = getBinder();
     ::android::Parcel in;
     ::android::Parcel out;
-    in.writeInt32(mDisplayId);
+    in.writeInt32(displayId);
     if (binder != nullptr) binder->dispatch(command, &in, &out);
     out.setDataPosition(0);
     return out.readInt32();
 }
 
 ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
+    panelLoading(mDisplayId, loading);
+    return ndk::ScopedAStatus::ok();
+}
+
+void CwbService::panelLoading(int32_t displayId, int* loading) {
     std::vector<unsigned int> apl = {0, 0, 0};
     int32_t panelApl = 0;
     bool readFailed = false;
@@ -217,12 +226,12 @@ ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
         mPanelApl = panelApl;
         readFailed = !ok;
     }
-    const int32_t uirState = sendQServiceQuery(kQServiceUirState);
-    const int32_t panelNit = sendQServiceQuery(kQServicePanelNit);
+    const int32_t uirState = sendQServiceQuery(displayId, kQServiceUirState);
+    const int32_t panelNit = sendQServiceQuery(displayId, kQServicePanelNit);
     if (readFailed) {
         *loading = kLoadingOne;
         ALOGE("Panel not support apl read or getDisplayPanelAplValue timeout %dms.\n", 10);
-        return ndk::ScopedAStatus::ok();
+        return;
     }
     const int32_t renderIntent = mRenderIntentMain;
     int32_t result = kLoadingOne;
@@ -241,7 +250,6 @@ ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
         ALOGI("PanelLoading[%d] RenderIntent[%d] UirState[%d] PanelNit[%d]\n", result, renderIntent,
               uirState, panelNit);
     }
-    return ndk::ScopedAStatus::ok();
 }
 
 // ---- Shared-memory crop export ----
@@ -258,34 +266,24 @@ ndk::ScopedAStatus CwbService::initializeSharedMemory(int32_t /*id*/, int32_t si
         ALOGE("MORVIK_AI::Invalid in_fd received");
         return ndk::ScopedAStatus::fromServiceSpecificError(-1);
     }
-    if (mSharedMemory != nullptr && descriptor == mSharedMemoryFd) {
+    if (mSharedMemory.mapped() && descriptor == mSharedMemory.fd()) {
         *_aidl_return = Error::NONE;
         return ndk::ScopedAStatus::ok();
     }
-    if (mSharedMemory != nullptr) {
+    if (mSharedMemory.mapped()) {
         ALOGE("MORVIK_AI::Release the old mapping");
-        if (munmap(mSharedMemory, mSharedMemoryLength) != 0) {
-            ALOGW("MORVIK_AI::munmap failed for fd=%d", mSharedMemoryFd);
-        }
-        mSharedMemory = nullptr;
-        mSharedMemoryLength = 0;
+        const int oldFd = mSharedMemory.fd();
+        if (mSharedMemory.unmap() != 0) ALOGW("MORVIK_AI::munmap failed for fd=%d", oldFd);
     }
     ALOGE("MORVIK_AI::CwbService Create shared memory");
-    void* address = size > 0 ? mmap(nullptr, static_cast<size_t>(size), PROT_READ | PROT_WRITE,
-                                    MAP_SHARED, descriptor, 0)
-                             : MAP_FAILED;
-    if (size <= 0) errno = EINVAL;
-    if (address == MAP_FAILED) {
-        mSharedMemory = nullptr;
-        mSharedMemoryFd = -1;
-        mSharedMemoryLength = 0;
-        ALOGE("MORVIK_AI::mmap failed for fd=%d: %s", descriptor, strerror(errno));
+    // A file smaller than the size declared, or one that cannot be sized, is refused like a
+    // failed mapping: touching the missing pages later would kill the composer.
+    const int error = size > 0 ? mSharedMemory.map(descriptor, static_cast<size_t>(size)) : EINVAL;
+    if (error != 0) {
+        ALOGE("MORVIK_AI::mmap failed for fd=%d: %s", descriptor, strerror(error));
         return ndk::ScopedAStatus::fromServiceSpecificError(-1);
     }
-    mSharedMemory = address;
-    mSharedMemoryFd = descriptor;
-    mSharedMemoryLength = static_cast<size_t>(size);
-    ALOGI("MORVIK_AI::mmap success at %p for fd=%d", address, descriptor);
+    ALOGI("MORVIK_AI::mmap success at %p for fd=%d", mSharedMemory.address(), descriptor);
     *_aidl_return = Error::NONE;
     return ndk::ScopedAStatus::ok();
 }
@@ -298,8 +296,9 @@ ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect
                               featureId);
     std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::getSharedData-in_FeatureId = %d", featureId);
+    const int32_t displayId = mDisplayId;
     Rect checked{};
-    if (!checkInputRect(rect, checked)) {
+    if (!checkInputRect(displayId, rect, checked)) {
         ALOGE("Invalid input rectangle");
         *_aidl_return = Error::INVALID_ARGUMENT;
         return ndk::ScopedAStatus::ok();
@@ -313,7 +312,7 @@ ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect
     values->push_back(checked.right - checked.left);
     values->push_back(checked.bottom - checked.top);
     DisplayAttributes attributes{};
-    activeAttributes(mDisplayId, &attributes);
+    activeAttributes(displayId, &attributes);
     values->push_back(attributes.xRes);
     values->push_back(attributes.yRes);
 
@@ -343,7 +342,7 @@ ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect
 
 int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
                                    std::vector<int>* /*values*/) {
-    if (mSharedMemory == nullptr) {
+    if (!mSharedMemory.mapped()) {
         ALOGE("MORVIK_AI::The shared space has not been initialized yet");
         mStats.count(CwbStats::Counter::CopyRefusals);
         return -1;
@@ -357,8 +356,11 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         return -1;
     }
     const int64_t timestamp = systemTime(SYSTEM_TIME_BOOTTIME);
-    auto* region = static_cast<uint8_t*>(mSharedMemory);
-    if (mSharedMemoryLength >= sizeof(timestamp)) memcpy(region, &timestamp, sizeof(timestamp));
+    uint8_t* region = mSharedMemory.address();
+    const size_t mapped = mSharedMemory.length();
+    // An unsealed file may have been shrunk since it was mapped: write only what it still backs.
+    const size_t backed = mSharedMemory.backedLength();
+    if (backed >= sizeof(timestamp)) memcpy(region, &timestamp, sizeof(timestamp));
     ++mCurrentScreenCount;
     // Counted attempts can reach the limit without a completed copy; test after each of them.
     auto countLimit = [this]() REQUIRES(mSharedMemoryMutex) {
@@ -392,12 +394,17 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         countLimit();
         return -1;
     }
-    if (bufferSize < 0 || total > bufferSize ||
-        static_cast<uint64_t>(total) > mSharedMemoryLength) {
+    if (bufferSize < 0 || total > bufferSize || static_cast<uint64_t>(total) > mapped) {
         ALOGE("MORVIK_AI::total data size %zu (crop %zu + timestamp %zu + id %zu) > buffer size %d",
               static_cast<size_t>(total), static_cast<size_t>(crop), sizeof(int64_t),
               sizeof(uint32_t), bufferSize);
         mStats.count(CwbStats::Counter::CopyRefusals);
+        countLimit();
+        return -1;
+    }
+    if (static_cast<uint64_t>(total) > backed) {
+        ALOGE("MORVIK_AI::shared memory fd=%d holds %zu of %zu mapped bytes; record of %zu refused",
+              mSharedMemory.fd(), backed, mapped, static_cast<size_t>(total));
         countLimit();
         return -1;
     }
@@ -449,12 +456,7 @@ ndk::ScopedAStatus CwbService::releaseSharedMemory(int32_t /*id*/, int32_t /*fla
 
 int CwbService::releaseSharedMemoryLocked() {
     ALOGE("MORVIK_AI::CwbService Release shared memory");
-    if (mSharedMemory == nullptr) return 0;
-    const int result = munmap(mSharedMemory, mSharedMemoryLength);
-    mSharedMemory = nullptr;
-    mSharedMemoryFd = -1;
-    mSharedMemoryLength = 0;
-    return result;
+    return mSharedMemory.unmap();
 }
 
 }  // namespace aidl::vendor::zarel::hardware::cwb::implementation

@@ -27,6 +27,8 @@
 #include "ColorTempHelper.h"
 #include "CwbStats.h"
 #include "GrallocHelper.h"
+#include "ResultCache.h"
+#include "SharedMemoryRegion.h"
 #include "TimedMutex.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
@@ -63,6 +65,11 @@ class CwbCallbackBase {
     virtual std::shared_ptr<::aidl::vendor::qti::hardware::display::config::IDisplayConfigCallback>
     asCallback() = 0;
 };
+
+// Rectangles each result cache holds. A light-sensor client asks for a handful per frame; a
+// client walking new rectangles over a static screen stops here (the histogram cache then holds
+// 64 x 3 KiB).
+constexpr size_t kResultCacheCap = 64;
 
 class CwbService : public BnCwbService,
                    public ::DisplayConfig::ConfigCallback,
@@ -145,6 +152,18 @@ class CwbService : public BnCwbService,
     void calcPixelsHistogram(void* buffer, unsigned int stride, Rect rect, unsigned int (*bins)[3]);
 
   private:
+    // The requests for one display chosen by the caller: the dispatcher's own choice, or one
+    // read of mDisplayId by the public methods. That choice drives the rectangle check, the power
+    // mode, the capture buffer and the weights, whatever another thread stores meanwhile.
+    ndk::ScopedAStatus getRGBValue(int32_t displayId, const Rect& rect, Rgb* rgb,
+                                   Error* _aidl_return) EXCLUDES(mRequestLock);
+    ndk::ScopedAStatus getLumasValue(int32_t displayId, const Rect& rect, std::vector<float>* lumas,
+                                     Error* _aidl_return) EXCLUDES(mRequestLock);
+    ndk::ScopedAStatus getHistogramValue(int32_t displayId, const Rect& rect, Histogram* histogram,
+                                         Error* _aidl_return) EXCLUDES(mRequestLock);
+    bool checkInputRect(int32_t displayId, const Rect& in, Rect& out) EXCLUDES(mConfigMutex);
+    void prepareCwbBuffer(int32_t displayId) REQUIRES(mRequestLock);
+    void panelLoading(int32_t displayId, int* loading);
     bool setupAvailableConfigs() REQUIRES(mConfigMutex);
     void fillConfigsIfNeeded() EXCLUDES(mConfigMutex);
     // Active (width, height, vsync) of a display selection; false for an unknown display, a
@@ -153,7 +172,10 @@ class CwbService : public BnCwbService,
     bool matchesMain(uint64_t display) const;
     bool matchesSec(uint64_t display) const;
     bool serviceStatus() const;
-    int writeback(bool secondary, Rect rect, bool postProcessed) REQUIRES(mRequestLock);
+    // Captures the main or the secondary display into its buffer; displayId is the request's
+    // display, whose capture buffer is prepared.
+    int writeback(int32_t displayId, bool secondary, Rect rect, bool postProcessed)
+            REQUIRES(mRequestLock);
     void emptyResultCaches() REQUIRES(mRequestLock);
     void selectPowerMode(int32_t displayId) REQUIRES(mRequestLock);
     // The capture buffer holds the whole rectangle at a sane pitch.
@@ -163,12 +185,11 @@ class CwbService : public BnCwbService,
     // Logs the release line and unmaps the client region if one is mapped; the munmap result.
     int releaseSharedMemoryLocked() REQUIRES(mSharedMemoryMutex);
     std::shared_ptr<IDisplayConfig> displayConfig() EXCLUDES(mDisplayConfigMutex);
-    int32_t sendQServiceQuery(uint32_t command);
+    int32_t sendQServiceQuery(int32_t displayId, uint32_t command);
     Rect aiRect() const EXCLUDES(mAiRectMutex);
 
-    int32_t mSharedMemoryFd GUARDED_BY(mSharedMemoryMutex) = -1;
-    void* mSharedMemory GUARDED_BY(mSharedMemoryMutex) = nullptr;
-    size_t mSharedMemoryLength GUARDED_BY(mSharedMemoryMutex) = 0;
+    // The client's region: its descriptor number (`mSharedMemoryFd`), mapping and length.
+    SharedMemoryRegion mSharedMemory GUARDED_BY(mSharedMemoryMutex);
     std::atomic<int32_t> mPanelApl{0};
     std::atomic<bool> mRgbCacheHit{false};
     bool mAplReadSupport = false;
@@ -201,6 +222,9 @@ class CwbService : public BnCwbService,
     bool mAodForbidden = false;
     bool mFodForbidden = false;
     std::atomic<int32_t> mDisplayId{0};
+    // Display of the RGB request holding mRequestLock, -1 outside one: its weights are that
+    // display's. A pass run on its own weighs for mDisplayId.
+    int32_t mRequestDisplayId GUARDED_BY(mRequestLock) = -1;
     int32_t mDisplayIdMain = -1;
     int32_t mDisplayIdSec = -1;
     std::vector<int32_t> weightspos;
@@ -231,9 +255,11 @@ class CwbService : public BnCwbService,
     std::atomic<int32_t> mRenderIntentSec{0};
     std::atomic<bool> mAodLayerExist{false};
     std::atomic<bool> mFodLayerExist{false};
-    std::map<Rect, std::pair<std::array<uint8_t, 3>, uint16_t>> mRgbCache GUARDED_BY(mRequestLock);
-    std::map<Rect, float> mLumaCache GUARDED_BY(mRequestLock);
-    std::map<Rect, Histogram> mHistogramCache GUARDED_BY(mRequestLock);
+    // Result caches of the current frame; kResultCacheCap rectangles each, oldest evicted.
+    ResultCache<std::pair<std::array<uint8_t, 3>, uint16_t>, kResultCacheCap> mRgbCache
+            GUARDED_BY(mRequestLock);
+    ResultCache<float, kResultCacheCap> mLumaCache GUARDED_BY(mRequestLock);
+    ResultCache<Histogram, kResultCacheCap> mHistogramCache GUARDED_BY(mRequestLock);
     int64_t mLastCwbDoneTime GUARDED_BY(mCwbMutex) = 0;
     // Driven only by calcPixelsRGB under mRequestLock; its mDebug switch is atomic.
     ColorTempHelper mColorTempHelper;

@@ -33,6 +33,18 @@ inline const uint8_t* pixelAt(const void* buffer, unsigned int stride, int x, in
            3 * (static_cast<size_t>(x) + static_cast<size_t>(stride) * static_cast<size_t>(y));
 }
 
+// Names the display an RGB request serves for the pass it runs, while it holds the request lock.
+class ServedDisplay {
+  public:
+    ServedDisplay(int32_t& slot, int32_t displayId) : mSlot(slot) { mSlot = displayId; }
+    ~ServedDisplay() { mSlot = -1; }
+    ServedDisplay(const ServedDisplay&) = delete;
+    ServedDisplay& operator=(const ServedDisplay&) = delete;
+
+  private:
+    int32_t& mSlot;
+};
+
 bool spreadWithin(const ColorRange& range, int limit) {
     for (int c = 0; c < 3; ++c) {
         if (range.max[c] - range.min[c] > limit) return false;
@@ -54,9 +66,13 @@ void CwbService::selectPowerMode(int32_t displayId) {
 // ---- RGB ----
 
 ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _aidl_return) {
-    ATRACE_CALL();
     CwbStats::Request request(mStats, CwbStats::Method::getRGBValue, &rect, _aidl_return);
-    const int32_t displayId = mDisplayId;
+    return getRGBValue(mDisplayId, rect, rgb, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::getRGBValue(int32_t displayId, const Rect& rect, Rgb* rgb,
+                                           Error* _aidl_return) {
+    ATRACE_NAME("getRGBValue");
     if (mDebugLog) {
         ALOGD("getRGBValue [%d, %d, %d, %d] PowerMode[%d %d] DisplayId[%d]\n", rect.left, rect.top,
               rect.right, rect.bottom, mPowerModeMain.load(), mPowerModeSec.load(), displayId);
@@ -81,20 +97,22 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
         return finish(static_cast<int32_t>(Error::FAILED));
     }
     Rect work{};
-    if (!checkInputRect(rect, work)) return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
+    if (!checkInputRect(displayId, rect, work)) {
+        return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
+    }
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getRGBValue");
         mStats.count(CwbStats::Counter::RefusedBusy);
         return finish(static_cast<int32_t>(Error::FAILED));
     }
     AdoptedLock lock(mRequestLock);
+    ServedDisplay served(mRequestDisplayId, displayId);
 
     selectPowerMode(displayId);
     if (mBufferCacheValid || mPowerMode == kPowerDozeSuspend) {
-        auto it = mRgbCache.find(work);
-        if (it != mRgbCache.end()) {
-            codes = it->second.first;
-            state = it->second.second;
+        if (const auto* cached = mRgbCache.find(work)) {
+            codes = cached->first;
+            state = cached->second;
             mRgbCacheHit = true;
             mStats.count(CwbStats::Counter::RgbCacheHits);
             if (mDebugLog) {
@@ -125,9 +143,9 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
 
     int ret = 0;
     if (displayId == 0) {
-        ret = setCWBOutputBuffer(work, mPostProcess);
+        ret = writeback(displayId, false, work, mPostProcess);
     } else if (displayId == 3) {
-        ret = setCWBOutputBufferSec(work, mPostProcess);
+        ret = writeback(displayId, true, work, mPostProcess);
     }
     mRgbCacheHit = false;
 
@@ -155,7 +173,7 @@ ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _a
         if (mDebugLog) {
             ALOGD("Screen RGB value: %d, %d, %d. state: %x\n", codes[0], codes[1], codes[2], state);
         }
-        mRgbCache[work] = {codes, state};
+        mRgbCache.put(work, {codes, state});
         result = static_cast<int32_t>(state) << 16;
     }
     if (mAodForbiddenCnt < kAodCaptureLimit) ++mAodForbiddenCnt;
@@ -167,7 +185,7 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
     ATRACE_CALL();
     ColorTempHelper& sampler = mColorTempHelper;
     sampler.reset();
-    const int32_t displayId = mDisplayId;
+    const int32_t displayId = mRequestDisplayId >= 0 ? mRequestDisplayId : mDisplayId.load();
     const int32_t width = rect.right - rect.left;
     const int32_t height = rect.bottom - rect.top;
     const uint32_t pixelCount = static_cast<uint32_t>(width) * static_cast<uint32_t>(height);
@@ -262,8 +280,13 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
 
 ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
                                              Error* _aidl_return) {
-    ATRACE_CALL();
     CwbStats::Request request(mStats, CwbStats::Method::getLumasValue, &rect, _aidl_return);
+    return getLumasValue(mDisplayId, rect, lumas, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::getLumasValue(int32_t displayId, const Rect& rect,
+                                             std::vector<float>* lumas, Error* _aidl_return) {
+    ATRACE_NAME("getLumasValue");
     if (mDebugLog) {
         ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
@@ -272,7 +295,6 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
         *_aidl_return = result;
         return ndk::ScopedAStatus::ok();
     };
-    const int32_t displayId = mDisplayId;
     if (!mCwbEnabled || !mCwbStatus) {
         mStats.count(CwbStats::Counter::RefusedDisabled);
         return finish(Error::FAILED, 0.0f);
@@ -283,7 +305,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
         return finish(Error::FAILED, 0.0f);
     }
     Rect work{};
-    if (!checkInputRect(rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
+    if (!checkInputRect(displayId, rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getLumasValue");
         mStats.count(CwbStats::Counter::RefusedBusy);
@@ -291,10 +313,9 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     }
     AdoptedLock lock(mRequestLock);
     if (mBufferCacheValid) {
-        auto it = mLumaCache.find(work);
-        if (it != mLumaCache.end()) {
+        if (const float* cached = mLumaCache.find(work)) {
             mStats.count(CwbStats::Counter::LumaCacheHits);
-            return finish(Error::NONE, it->second);
+            return finish(Error::NONE, *cached);
         }
     }
     selectPowerMode(displayId);
@@ -305,7 +326,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     }
     if (!captureScreenAllowed()) return finish(Error::FAILED, 0.0f);
     // The luma always comes from the main display, without post-processing.
-    const int ret = setCWBOutputBuffer(work, false);
+    const int ret = writeback(displayId, false, work, false);
     if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
         ALOGD("Get Luma error\n");
         mStats.count(CwbStats::Counter::CaptureFailed);
@@ -314,7 +335,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     const float luma = calcPixelsLumas(mCwbBufferHandle.base,
                                        static_cast<unsigned int>(mCwbBufferHandle.width), work);
     if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(luma));
-    mLumaCache[work] = luma;
+    mLumaCache.put(work, luma);
     return finish(Error::NONE, luma);
 }
 
@@ -338,8 +359,13 @@ float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) 
 
 ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* histogram,
                                                  Error* _aidl_return) {
-    ATRACE_CALL();
     CwbStats::Request request(mStats, CwbStats::Method::getHistogramValue, &rect, _aidl_return);
+    return getHistogramValue(mDisplayId, rect, histogram, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::getHistogramValue(int32_t displayId, const Rect& rect,
+                                                 Histogram* histogram, Error* _aidl_return) {
+    ATRACE_NAME("getHistogramValue");
     if (mDebugLog) {
         ALOGD("getHistogramValue [%d, %d, %d, %d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
@@ -348,7 +374,6 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
         *_aidl_return = result;
         return ndk::ScopedAStatus::ok();
     };
-    const int32_t displayId = mDisplayId;
     if (!mCwbEnabled || !mCwbStatus) {
         mStats.count(CwbStats::Counter::RefusedDisabled);
         return fail(Error::FAILED);
@@ -359,7 +384,7 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
         return fail(Error::FAILED);
     }
     Rect work{};
-    if (!checkInputRect(rect, work)) return fail(Error::INVALID_ARGUMENT);
+    if (!checkInputRect(displayId, rect, work)) return fail(Error::INVALID_ARGUMENT);
     if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
         ALOGI("%s: resource busy\n", "getHistogramValue");
         mStats.count(CwbStats::Counter::RefusedBusy);
@@ -367,10 +392,9 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
     }
     AdoptedLock lock(mRequestLock);
     if (mBufferCacheValid) {
-        auto it = mHistogramCache.find(work);
-        if (it != mHistogramCache.end()) {
+        if (const Histogram* cached = mHistogramCache.find(work)) {
             mStats.count(CwbStats::Counter::HistogramCacheHits);
-            *histogram = it->second;
+            *histogram = *cached;
             *_aidl_return = Error::NONE;
             return ndk::ScopedAStatus::ok();
         }
@@ -382,7 +406,7 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
         return fail(Error::SCREEN_OFF);
     }
     if (!captureScreenAllowed()) return fail(Error::FAILED);
-    const int ret = setCWBOutputBuffer(work, true);
+    const int ret = writeback(displayId, false, work, true);
     if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
         ALOGD("Get Histogram error\n");
         mStats.count(CwbStats::Counter::CaptureFailed);
@@ -394,7 +418,7 @@ ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* hi
     static_assert(sizeof(bins) == sizeof(Histogram{}.counts), "level-major 256 x 3 counters");
     Histogram result;
     memcpy(result.counts.data(), bins, sizeof(bins));
-    mHistogramCache[work] = result;
+    mHistogramCache.put(work, result);
     *histogram = result;
     *_aidl_return = Error::NONE;
     return ndk::ScopedAStatus::ok();

@@ -1,0 +1,89 @@
+// A client's shared-memory file as the service maps it: sealed against shrinking where the
+// kernel allows, sized before mapping and again before every copy otherwise.
+#include "SharedMemoryRegion.h"
+
+#include <cutils/ashmem.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace aidl::vendor::zarel::hardware::cwb::implementation {
+
+namespace {
+
+// Size of the client's file: a memory file (memfd) by its length, an ashmem region by its
+// declared size; -1 with ENODEV, as mmap reports, for anything else.
+int64_t fileSize(int fd) {
+    struct stat st {};
+    if (fstat(fd, &st) != 0) return -1;
+    if (S_ISREG(st.st_mode)) return static_cast<int64_t>(st.st_size);
+    const int size = ashmem_get_size_region(fd);
+    if (size < 0) {
+        errno = ENODEV;
+        return -1;
+    }
+    return size;
+}
+
+}  // namespace
+
+SharedMemoryRegion::~SharedMemoryRegion() {
+    unmap();
+}
+
+int SharedMemoryRegion::map(int fd, size_t size) {
+    unmap();
+    if (size == 0) return EINVAL;
+    const int owned = fcntl(fd, F_DUPFD_CLOEXEC, 0);
+    if (owned < 0) return errno;
+    // Only shrinking is sealed: the client keeps writing and may still grow its file. A file
+    // made without MFD_ALLOW_SEALING refuses the seal; it is then sized before every copy.
+    bool sealed = fcntl(owned, F_ADD_SEALS, F_SEAL_SHRINK) == 0;
+    if (!sealed) {
+        const int seals = fcntl(owned, F_GET_SEALS);
+        sealed = seals >= 0 && (seals & F_SEAL_SHRINK) != 0;
+    }
+    const int64_t available = fileSize(owned);
+    if (available < 0 || static_cast<uint64_t>(available) < size) {
+        const int error = available < 0 ? errno : EINVAL;
+        close(owned);
+        return error;
+    }
+    void* address = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, owned, 0);
+    if (address == MAP_FAILED) {
+        const int error = errno;
+        close(owned);
+        return error;
+    }
+    mAddress = address;
+    mLength = size;
+    mFd = fd;
+    mOwnedFd = owned;
+    mSealed = sealed;
+    return 0;
+}
+
+int SharedMemoryRegion::unmap() {
+    int result = 0;
+    if (mAddress != nullptr) result = munmap(mAddress, mLength);
+    if (mOwnedFd >= 0) close(mOwnedFd);
+    mAddress = nullptr;
+    mLength = 0;
+    mFd = -1;
+    mOwnedFd = -1;
+    mSealed = false;
+    return result;
+}
+
+size_t SharedMemoryRegion::backedLength() const {
+    if (mAddress == nullptr) return 0;
+    if (mSealed) return mLength;
+    const int64_t available = fileSize(mOwnedFd);
+    if (available < 0) return 0;
+    return static_cast<uint64_t>(available) < mLength ? static_cast<size_t>(available) : mLength;
+}
+
+}  // namespace aidl::vendor::zarel::hardware::cwb::implementation

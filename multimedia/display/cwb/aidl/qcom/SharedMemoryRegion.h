@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace aidl::vendor::zarel::hardware::cwb::implementation {
+
+// A client's shared-memory file mapped into the service. Keeps the mapping with its length, the
+// client's descriptor number (to recognise a repeated initialisation) and a duplicate of the
+// descriptor, so that the file's size can be checked again before a copy. A client that could
+// shrink the file under the mapping would otherwise turn the next copy into a SIGBUS.
+class SharedMemoryRegion {
+  public:
+    SharedMemoryRegion() = default;
+    ~SharedMemoryRegion();
+    SharedMemoryRegion(const SharedMemoryRegion&) = delete;
+    SharedMemoryRegion& operator=(const SharedMemoryRegion&) = delete;
+
+    // Maps `size` bytes of the client's file `fd`. The file is sealed against shrinking where the
+    // kernel allows it, and must hold `size` bytes. Returns 0 or an errno value (EINVAL for a
+    // file smaller than `size`); on failure nothing is mapped.
+    int map(int fd, size_t size);
+    // Unmaps and forgets the region; the munmap result (0 when nothing was mapped).
+    int unmap();
+
+    bool mapped() const { return mAddress != nullptr; }
+    uint8_t* address() const { return static_cast<uint8_t*>(mAddress); }
+    size_t length() const { return mLength; }
+    // The client's descriptor number, -1 when nothing is mapped.
+    int fd() const { return mFd; }
+    bool sealed() const { return mSealed; }
+    // Bytes from the start of the mapping that the file still backs: the whole length when the
+    // file is sealed, otherwise what its current size covers (0 when it cannot be told).
+    size_t backedLength() const;
+
+  private:
+    void* mAddress = nullptr;
+    size_t mLength = 0;
+    int mFd = -1;
+    int mOwnedFd = -1;
+    bool mSealed = false;
+};
+
+}  // namespace aidl::vendor::zarel::hardware::cwb::implementation
