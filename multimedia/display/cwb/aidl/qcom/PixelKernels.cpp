@@ -1,0 +1,287 @@
+// Pixel passes shared by every instruction set (the RGB sums and the sampler), the portable
+// luma and histogram passes, and the choice of the widest set this CPU runs.
+//
+// Exactness of the weighted sums: each product goes through an empty asm statement that claims
+// to modify it in a floating-point register, so no compiler can fuse it with the following
+// addition into a multiply-add, whatever -ffp-contract says (GCC ignores the STDC FP_CONTRACT
+// pragma, Clang fuses across statements with -ffp-contract=fast). The unweighted sums have no
+// product to fuse. Nothing is reassociated: each channel is one chain of additions in order.
+#define LOG_TAG "CwbService"
+
+#include "PixelKernels.h"
+
+#include <log/log.h>
+
+#include <cstring>
+
+#include "GammaTable.h"
+
+namespace aidl::vendor::zarel::hardware::cwb::implementation {
+
+namespace {
+
+// A run of identical pixels: matching bytes are found with plain 8-byte words here.
+inline size_t matchingBytes(const uint8_t* p, size_t n) {
+    size_t i = 0;
+#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__
+    for (; i + 8 <= n; i += 8) {
+        uint64_t a;
+        uint64_t b;
+        memcpy(&a, p + i, sizeof(a));
+        memcpy(&b, p + i + 3, sizeof(b));
+        if (a != b) return i + static_cast<size_t>(__builtin_ctzll(a ^ b)) / 8;
+    }
+#endif
+    while (i < n && p[i] == p[i + 3]) ++i;
+    return i;
+}
+
+#define CWB_KERNEL_TARGET
+#include "PixelHistogram.inc"
+#undef CWB_KERNEL_TARGET
+
+uint32_t lumaSumPortable(const PixelRect& rect) {
+    uint32_t sum = 0;
+    for (uint32_t y = 0; y < rect.height; ++y) {
+        const uint8_t* p = rect.base + y * rect.pitchBytes;
+        for (uint32_t x = 0; x < rect.width; ++x, p += 3) {
+            sum += (7u * p[0] + 23u * p[1] + 2u * p[2]) >> 5;
+        }
+    }
+    return sum;
+}
+
+const PixelKernelSet kPortable = {"portable", lumaSumPortable, histogramRuns};
+
+// Keeps a rounded product out of a fused multiply-add (see the top of the file).
+inline double roundedProduct(double a, double b) {
+    double p = a * b;
+#if defined(__aarch64__)
+    __asm__("" : "+w"(p));
+#elif defined(__x86_64__)
+    __asm__("" : "+x"(p));
+#else
+    volatile double stored = p;
+    p = stored;
+#endif
+    return p;
+}
+
+// What the sampler does with each pixel while its verdicts can still change: Bands records
+// the pixel in the band it falls in (black/white still possible), Full only widens the full
+// range, None does nothing.
+enum class Mode { None, Bands, Full };
+
+// Ranges are kept as "code seen" flags: a plain store per channel instead of a compare chain.
+// Index 0 and 1 are the two bands, 2 the pixels seen after black/white was ruled out.
+struct Seen {
+    uint8_t flags[3][3][256];
+};
+
+struct Walk {
+    uint32_t y = 0;
+    uint32_t x = 0;
+    double sum[3] = {0.0, 0.0, 0.0};
+    uint32_t weightSum = 0;
+    uint8_t outlier[3] = {0, 0, 0};
+};
+
+// Walks the samples from (y, x) in row-major order; in Bands mode it stops right after the
+// first pixel outside both bands, with the cursor on the next sample. Returns true then.
+template <Mode M, bool Weighted>
+bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const uint8_t* bandOf,
+          Seen& seen, Walk& state) {
+    const double* table = kGammaTable.data();
+    double s0 = state.sum[0];
+    double s1 = state.sum[1];
+    double s2 = state.sum[2];
+    uint32_t weightSum = state.weightSum;
+    bool stopped = false;
+    uint32_t y = state.y;
+    uint32_t x = state.x;
+    for (; y < rect.height && !stopped; y += step, x = 0) {
+        const uint8_t* row = rect.base + y * rect.pitchBytes;
+        const int32_t* w = Weighted ? weights + static_cast<size_t>(y) * rect.width : nullptr;
+        for (; x < rect.width; x += step) {
+            const uint8_t* p = row + 3 * static_cast<size_t>(x);
+            const uint8_t r = p[0];
+            const uint8_t g = p[1];
+            const uint8_t b = p[2];
+            if (M == Mode::Bands) {
+                const unsigned band = bandOf[r] & bandOf[g] & bandOf[b];
+                // The first band wins where they overlap.
+                const unsigned slot = band == 0 ? 2 : (band & 1) ^ 1;
+                seen.flags[slot][0][r] = 1;
+                seen.flags[slot][1][g] = 1;
+                seen.flags[slot][2][b] = 1;
+                stopped = band == 0;
+            } else if (M == Mode::Full) {
+                seen.flags[2][0][r] = 1;
+                seen.flags[2][1][g] = 1;
+                seen.flags[2][2][b] = 1;
+            }
+            if (Weighted) {
+                const int32_t weight = w[x];
+                weightSum += static_cast<uint32_t>(weight);
+                const double wd = static_cast<double>(weight);
+                s0 += roundedProduct(table[r], wd);
+                s1 += roundedProduct(table[g], wd);
+                s2 += roundedProduct(table[b], wd);
+            } else {
+                s0 += table[r];
+                s1 += table[g];
+                s2 += table[b];
+            }
+            if (M == Mode::Bands && stopped) {
+                state.outlier[0] = r;
+                state.outlier[1] = g;
+                state.outlier[2] = b;
+                x += step;
+                if (x >= rect.width) {
+                    x = 0;
+                    y += step;
+                }
+                break;
+            }
+        }
+        if (stopped) break;
+    }
+    state.y = y;
+    state.x = x;
+    state.sum[0] = s0;
+    state.sum[1] = s1;
+    state.sum[2] = s2;
+    state.weightSum = weightSum;
+    return stopped;
+}
+
+// Lowest and highest flagged code of up to three flag arrays together; false when none is.
+bool flaggedBounds(const uint8_t* a, const uint8_t* b, const uint8_t* c, int32_t& low,
+                   int32_t& high) {
+    int32_t first = -1;
+    int32_t last = -1;
+    for (int32_t i = 0; i < 256; i += 8) {
+        uint64_t word = 0;
+        for (const uint8_t* flags : {a, b, c}) {
+            if (flags == nullptr) continue;
+            uint64_t part;
+            memcpy(&part, flags + i, sizeof(part));
+            word |= part;
+        }
+        if (word == 0) continue;
+        if (first < 0) {
+            for (int32_t k = 0; k < 8; ++k) {
+                if ((a != nullptr && a[i + k]) || (b != nullptr && b[i + k]) ||
+                    (c != nullptr && c[i + k])) {
+                    first = i + k;
+                    break;
+                }
+            }
+        }
+        for (int32_t k = 7; k >= 0; --k) {
+            if ((a != nullptr && a[i + k]) || (b != nullptr && b[i + k]) ||
+                (c != nullptr && c[i + k])) {
+                last = i + k;
+                break;
+            }
+        }
+    }
+    if (first < 0) return false;
+    low = first;
+    high = last;
+    return true;
+}
+
+// Widens a range by the flagged codes exactly as per-pixel widening would have.
+void mergeRange(ColorRange& range, bool& valid, const Seen& seen, bool band0, bool band1,
+                bool rest) {
+    for (int c = 0; c < 3; ++c) {
+        int32_t low = 0;
+        int32_t high = 0;
+        if (!flaggedBounds(band0 ? seen.flags[0][c] : nullptr, band1 ? seen.flags[1][c] : nullptr,
+                           rest ? seen.flags[2][c] : nullptr, low, high)) {
+            return;  // no pixel reached this range: no channel has a flag either
+        }
+        valid = true;
+        if (low < range.min[c]) range.min[c] = low;
+        if (high > range.max[c]) range.max[c] = high;
+    }
+}
+
+template <bool Weighted>
+LinearSums linearSums(const PixelRect& rect, uint32_t step, const int32_t* weights,
+                      int32_t* weightSum, ColorTempHelper* sampler) {
+    Walk state;
+    Seen seen;
+    uint8_t bandOf[256];
+    const bool sampling = sampler != nullptr && sampler->mEnabled;
+    if (!sampling) {
+        walk<Mode::None, Weighted>(rect, step, weights, bandOf, seen, state);
+    } else {
+        memset(&seen, 0, sizeof(seen));
+        const bool pure = sampler->mPure;
+        if (sampler->mBlackWhite) {
+            const int32_t* bands = sampler->mCtRange;
+            for (int32_t code = 0; code < 256; ++code) {
+                bandOf[code] = static_cast<uint8_t>((bands[0] <= code && code <= bands[1]) |
+                                                    (bands[2] <= code && code <= bands[3]) << 1);
+            }
+            if (walk<Mode::Bands, Weighted>(rect, step, weights, bandOf, seen, state)) {
+                sampler->mBlackWhite = false;
+                if (sampler->mDebug.load(std::memory_order_relaxed)) {
+                    ALOGD("Pixel out of range: R(%d), G(%d), B(%d)", state.outlier[0],
+                          state.outlier[1], state.outlier[2]);
+                }
+            }
+            mergeRange(sampler->mRange1, sampler->mRange1Valid, seen, true, false, false);
+            mergeRange(sampler->mRange2, sampler->mRange2Valid, seen, false, true, false);
+        }
+        if (pure) {
+            walk<Mode::Full, Weighted>(rect, step, weights, bandOf, seen, state);
+            mergeRange(sampler->mRangeFull, sampler->mRangeFullValid, seen, true, true, true);
+        } else {
+            walk<Mode::None, Weighted>(rect, step, weights, bandOf, seen, state);
+        }
+    }
+    if (weightSum != nullptr) *weightSum = static_cast<int32_t>(state.weightSum);
+    return LinearSums{{state.sum[0], state.sum[1], state.sum[2]}};
+}
+
+}  // namespace
+
+const PixelKernelSet& portablePixelKernels() {
+    return kPortable;
+}
+
+const PixelKernelSet& pixelKernels() {
+    static const PixelKernelSet* const chosen = []() {
+        if (const PixelKernelSet* neon = neonPixelKernels()) return neon;
+        if (const PixelKernelSet* avx2 = avx2PixelKernels()) return avx2;
+        return &kPortable;
+    }();
+    return *chosen;
+}
+
+LinearSums linearSumsSampled(const PixelRect& rect, ColorTempHelper* sampler) {
+    return linearSums<false>(rect, 3, nullptr, nullptr, sampler);
+}
+
+LinearSums linearSumsWeighted(const PixelRect& rect, const int32_t* weights, int32_t* weightSum,
+                              ColorTempHelper* sampler) {
+    return linearSums<true>(rect, 1, weights, weightSum, sampler);
+}
+
+void zeroFill(void* dst, size_t bytes) {
+    memset(dst, 0, bytes);
+}
+
+void copyRows(uint8_t* dst, size_t dstPitch, const uint8_t* src, size_t srcPitch, size_t rowBytes,
+              size_t rows) {
+    if (dstPitch == rowBytes && srcPitch == rowBytes) {
+        memcpy(dst, src, rowBytes * rows);
+        return;
+    }
+    for (size_t y = 0; y < rows; ++y) memcpy(dst + y * dstPitch, src + y * srcPitch, rowBytes);
+}
+
+}  // namespace aidl::vendor::zarel::hardware::cwb::implementation
