@@ -36,6 +36,15 @@ inline size_t matchingBytes(const uint8_t* p, size_t n) {
     return i;
 }
 
+// Two pixels per block: each compared with the next in one 8-byte word.
+constexpr int kBlockPixels = 2;
+constexpr ptrdiff_t kBlockReach = 11;
+
+inline bool blockHasRun(const uint8_t* p) {
+    return (p[0] == p[3] && p[1] == p[4] && p[2] == p[5]) ||
+           (p[3] == p[6] && p[4] == p[7] && p[5] == p[8]);
+}
+
 #define CWB_KERNEL_TARGET
 #include "PixelHistogram.inc"
 #undef CWB_KERNEL_TARGET
@@ -97,12 +106,18 @@ bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const ui
     double s2 = state.sum[2];
     uint32_t weightSum = state.weightSum;
     bool stopped = false;
+    // Locals, not the rectangle's fields: the flag stores are byte stores, which the compiler
+    // must otherwise assume may change them.
+    const uint8_t* const base = rect.base;
+    const size_t pitch = rect.pitchBytes;
+    const uint32_t width = rect.width;
+    const uint32_t height = rect.height;
     uint32_t y = state.y;
     uint32_t x = state.x;
-    for (; y < rect.height && !stopped; y += step, x = 0) {
-        const uint8_t* row = rect.base + y * rect.pitchBytes;
-        const int32_t* w = Weighted ? weights + static_cast<size_t>(y) * rect.width : nullptr;
-        for (; x < rect.width; x += step) {
+    for (; y < height; y += step, x = 0) {
+        const uint8_t* row = base + y * pitch;
+        const int32_t* w = Weighted ? weights + static_cast<size_t>(y) * width : nullptr;
+        for (; x < width; x += step) {
             const uint8_t* p = row + 3 * static_cast<size_t>(x);
             const uint8_t r = p[0];
             const uint8_t g = p[1];
@@ -137,7 +152,7 @@ bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const ui
                 state.outlier[1] = g;
                 state.outlier[2] = b;
                 x += step;
-                if (x >= rect.width) {
+                if (x >= width) {
                     x = 0;
                     y += step;
                 }
@@ -216,7 +231,7 @@ LinearSums linearSums(const PixelRect& rect, uint32_t step, const int32_t* weigh
     uint8_t bandOf[256];
     const bool sampling = sampler != nullptr && sampler->mEnabled;
     if (!sampling) {
-        walk<Mode::None, Weighted>(rect, step, weights, bandOf, seen, state);
+        walk<Mode::None, Weighted>(rect, step, weights, nullptr, seen, state);
     } else {
         memset(&seen, 0, sizeof(seen));
         const bool pure = sampler->mPure;
@@ -237,10 +252,10 @@ LinearSums linearSums(const PixelRect& rect, uint32_t step, const int32_t* weigh
             mergeRange(sampler->mRange2, sampler->mRange2Valid, seen, false, true, false);
         }
         if (pure) {
-            walk<Mode::Full, Weighted>(rect, step, weights, bandOf, seen, state);
+            walk<Mode::Full, Weighted>(rect, step, weights, nullptr, seen, state);
             mergeRange(sampler->mRangeFull, sampler->mRangeFullValid, seen, true, true, true);
         } else {
-            walk<Mode::None, Weighted>(rect, step, weights, bandOf, seen, state);
+            walk<Mode::None, Weighted>(rect, step, weights, nullptr, seen, state);
         }
     }
     if (weightSum != nullptr) *weightSum = static_cast<int32_t>(state.weightSum);

@@ -30,6 +30,19 @@ inline size_t matchingBytes(const uint8_t* p, size_t n) {
     return i;
 }
 
+// Sixteen pixels per block, each compared with the next after de-interleaving loads.
+constexpr int kBlockPixels = 16;
+constexpr ptrdiff_t kBlockReach = 51;
+
+inline bool blockHasRun(const uint8_t* p) {
+    const uint8x16x3_t a = vld3q_u8(p);
+    const uint8x16x3_t b = vld3q_u8(p + 3);
+    const uint8x16_t same =
+            vandq_u8(vandq_u8(vceqq_u8(a.val[0], b.val[0]), vceqq_u8(a.val[1], b.val[1])),
+                     vceqq_u8(a.val[2], b.val[2]));
+    return vmaxvq_u8(same) != 0;
+}
+
 #include "PixelHistogram.inc"
 
 // Sixteen pixels per de-interleaving load; each 16-bit weighted sum fits (32 * 255).
