@@ -12,7 +12,14 @@
 
 #include <log/log.h>
 
+#include <algorithm>
 #include <cstring>
+
+#if defined(__x86_64__)
+#include <emmintrin.h>
+#elif defined(__aarch64__)
+#include <arm_neon.h>
+#endif
 
 #include "GammaTable.h"
 
@@ -85,9 +92,65 @@ enum class Mode { None, Bands, Full };
 // Index 0 and 1 are the two bands, 2 the pixels seen after black/white was ruled out.
 struct Seen {
     uint8_t flags[3][3][256];
+    unsigned used = 0;  // bit i: flags[i] has a flag set
+};
+
+// Per-channel minimum and maximum of pixels read as 4-byte words (the fourth byte, the next
+// pixel's red, is ignored): two vector operations per pixel where the ISA has byte min/max.
+class ChannelBounds {
+  public:
+#if defined(__x86_64__)
+    void add(const uint8_t* p) {
+        int32_t word;
+        memcpy(&word, p, sizeof(word));
+        const __m128i v = _mm_cvtsi32_si128(word);
+        mLow = _mm_min_epu8(mLow, v);
+        mHigh = _mm_max_epu8(mHigh, v);
+    }
+    void get(uint8_t low[16], uint8_t high[16]) const {
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(low), mLow);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(high), mHigh);
+    }
+
+  private:
+    __m128i mLow = _mm_set1_epi8(-1);
+    __m128i mHigh = _mm_setzero_si128();
+#elif defined(__aarch64__)
+    void add(const uint8_t* p) {
+        uint32_t word;
+        memcpy(&word, p, sizeof(word));
+        const uint8x8_t v = vreinterpret_u8_u32(vdup_n_u32(word));
+        mLow = vmin_u8(mLow, v);
+        mHigh = vmax_u8(mHigh, v);
+    }
+    void get(uint8_t low[16], uint8_t high[16]) const {
+        vst1_u8(low, mLow);
+        vst1_u8(high, mHigh);
+    }
+
+  private:
+    uint8x8_t mLow = vdup_n_u8(255);
+    uint8x8_t mHigh = vdup_n_u8(0);
+#else
+    void add(const uint8_t* p) {
+        for (int c = 0; c < 3; ++c) {
+            if (p[c] < mLow[c]) mLow[c] = p[c];
+            if (p[c] > mHigh[c]) mHigh[c] = p[c];
+        }
+    }
+    void get(uint8_t low[16], uint8_t high[16]) const {
+        memcpy(low, mLow, 3);
+        memcpy(high, mHigh, 3);
+    }
+
+  private:
+    uint8_t mLow[3] = {255, 255, 255};
+    uint8_t mHigh[3] = {0, 0, 0};
+#endif
 };
 
 struct Walk {
+    ChannelBounds bounds;
     uint32_t y = 0;
     uint32_t x = 0;
     double sum[3] = {0.0, 0.0, 0.0};
@@ -98,13 +161,17 @@ struct Walk {
 // Walks the samples from (y, x) in row-major order; in Bands mode it stops right after the
 // first pixel outside both bands, with the cursor on the next sample. Returns true then.
 template <Mode M, bool Weighted>
-bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const uint8_t* bandOf,
-          Seen& seen, Walk& state) {
+bool walk(const PixelRect& rect, const int32_t* weights, const uint8_t* bandOf, Seen& seen,
+          Walk& state) {
+    // Weighted passes take every pixel, the others every third one of every third row.
+    constexpr uint32_t kStep = Weighted ? 1 : 3;
     const double* table = kGammaTable.data();
     double s0 = state.sum[0];
     double s1 = state.sum[1];
     double s2 = state.sum[2];
     uint32_t weightSum = state.weightSum;
+    ChannelBounds bounds = state.bounds;
+    unsigned used = seen.used;
     bool stopped = false;
     // Locals, not the rectangle's fields: the flag stores are byte stores, which the compiler
     // must otherwise assume may change them.
@@ -112,13 +179,18 @@ bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const ui
     const size_t pitch = rect.pitchBytes;
     const uint32_t width = rect.width;
     const uint32_t height = rect.height;
+    // Pointers step through a row: a loop over x would recompute each address.
+    constexpr size_t kStride = 3 * kStep;
     uint32_t y = state.y;
     uint32_t x = state.x;
-    for (; y < height; y += step, x = 0) {
-        const uint8_t* row = base + y * pitch;
-        const int32_t* w = Weighted ? weights + static_cast<size_t>(y) * width : nullptr;
-        for (; x < width; x += step) {
-            const uint8_t* p = row + 3 * static_cast<size_t>(x);
+    for (; y < height; y += kStep, x = 0) {
+        const uint8_t* const row = base + y * pitch;
+        const uint8_t* const rowEnd = row + 3 * static_cast<size_t>(width);
+        // A 4-byte read of a pixel before this stays inside the row.
+        const uint8_t* const wordEnd = rowEnd - 3;
+        const uint8_t* p = row + 3 * static_cast<size_t>(x);
+        const int32_t* w = Weighted ? weights + static_cast<size_t>(y) * width + x : nullptr;
+        for (; p < rowEnd; p += kStride) {
             const uint8_t r = p[0];
             const uint8_t g = p[1];
             const uint8_t b = p[2];
@@ -129,14 +201,20 @@ bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const ui
                 seen.flags[slot][0][r] = 1;
                 seen.flags[slot][1][g] = 1;
                 seen.flags[slot][2][b] = 1;
+                used |= 1u << slot;
                 stopped = band == 0;
             } else if (M == Mode::Full) {
-                seen.flags[2][0][r] = 1;
-                seen.flags[2][1][g] = 1;
-                seen.flags[2][2][b] = 1;
+                if (p < wordEnd) {
+                    bounds.add(p);
+                } else {
+                    seen.flags[2][0][r] = 1;
+                    seen.flags[2][1][g] = 1;
+                    seen.flags[2][2][b] = 1;
+                    used |= 4u;
+                }
             }
             if (Weighted) {
-                const int32_t weight = w[x];
+                const int32_t weight = *w++;
                 weightSum += static_cast<uint32_t>(weight);
                 const double wd = static_cast<double>(weight);
                 s0 += roundedProduct(table[r], wd);
@@ -151,15 +229,18 @@ bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const ui
                 state.outlier[0] = r;
                 state.outlier[1] = g;
                 state.outlier[2] = b;
-                x += step;
-                if (x >= width) {
-                    x = 0;
-                    y += step;
-                }
                 break;
             }
         }
-        if (stopped) break;
+        if (stopped) {
+            // Resume at the sample after the outlier.
+            x = static_cast<uint32_t>((p - row) / 3) + kStep;
+            if (x >= width) {
+                x = 0;
+                y += kStep;
+            }
+            break;
+        }
     }
     state.y = y;
     state.x = x;
@@ -167,6 +248,8 @@ bool walk(const PixelRect& rect, uint32_t step, const int32_t* weights, const ui
     state.sum[1] = s1;
     state.sum[2] = s2;
     state.weightSum = weightSum;
+    state.bounds = bounds;
+    seen.used = used;
     return stopped;
 }
 
@@ -210,6 +293,10 @@ bool flaggedBounds(const uint8_t* a, const uint8_t* b, const uint8_t* c, int32_t
 // Widens a range by the flagged codes exactly as per-pixel widening would have.
 void mergeRange(ColorRange& range, bool& valid, const Seen& seen, bool band0, bool band1,
                 bool rest) {
+    band0 = band0 && (seen.used & 1u) != 0;
+    band1 = band1 && (seen.used & 2u) != 0;
+    rest = rest && (seen.used & 4u) != 0;
+    if (!band0 && !band1 && !rest) return;
     for (int c = 0; c < 3; ++c) {
         int32_t low = 0;
         int32_t high = 0;
@@ -224,24 +311,26 @@ void mergeRange(ColorRange& range, bool& valid, const Seen& seen, bool band0, bo
 }
 
 template <bool Weighted>
-LinearSums linearSums(const PixelRect& rect, uint32_t step, const int32_t* weights,
-                      int32_t* weightSum, ColorTempHelper* sampler) {
+LinearSums linearSums(const PixelRect& rect, const int32_t* weights, int32_t* weightSum,
+                      ColorTempHelper* sampler) {
     Walk state;
     Seen seen;
     uint8_t bandOf[256];
     const bool sampling = sampler != nullptr && sampler->mEnabled;
     if (!sampling) {
-        walk<Mode::None, Weighted>(rect, step, weights, nullptr, seen, state);
+        walk<Mode::None, Weighted>(rect, weights, nullptr, seen, state);
     } else {
-        memset(&seen, 0, sizeof(seen));
+        memset(seen.flags, 0, sizeof(seen.flags));
         const bool pure = sampler->mPure;
         if (sampler->mBlackWhite) {
             const int32_t* bands = sampler->mCtRange;
-            for (int32_t code = 0; code < 256; ++code) {
-                bandOf[code] = static_cast<uint8_t>((bands[0] <= code && code <= bands[1]) |
-                                                    (bands[2] <= code && code <= bands[3]) << 1);
+            memset(bandOf, 0, sizeof(bandOf));
+            for (int band = 0; band < 2; ++band) {
+                const int32_t low = std::max<int32_t>(bands[2 * band], 0);
+                const int32_t high = std::min<int32_t>(bands[2 * band + 1], 255);
+                for (int32_t code = low; code <= high; ++code) bandOf[code] |= 1 << band;
             }
-            if (walk<Mode::Bands, Weighted>(rect, step, weights, bandOf, seen, state)) {
+            if (walk<Mode::Bands, Weighted>(rect, weights, bandOf, seen, state)) {
                 sampler->mBlackWhite = false;
                 if (sampler->mDebug.load(std::memory_order_relaxed)) {
                     ALOGD("Pixel out of range: R(%d), G(%d), B(%d)", state.outlier[0],
@@ -252,10 +341,22 @@ LinearSums linearSums(const PixelRect& rect, uint32_t step, const int32_t* weigh
             mergeRange(sampler->mRange2, sampler->mRange2Valid, seen, false, true, false);
         }
         if (pure) {
-            walk<Mode::Full, Weighted>(rect, step, weights, nullptr, seen, state);
+            walk<Mode::Full, Weighted>(rect, weights, nullptr, seen, state);
             mergeRange(sampler->mRangeFull, sampler->mRangeFullValid, seen, true, true, true);
+            uint8_t low[16];
+            uint8_t high[16];
+            state.bounds.get(low, high);
+            // Empty bounds stay inverted (255 > 0); one pixel makes every channel's pair ordered.
+            if (low[0] <= high[0]) {
+                ColorRange& full = sampler->mRangeFull;
+                sampler->mRangeFullValid = true;
+                for (int c = 0; c < 3; ++c) {
+                    if (low[c] < full.min[c]) full.min[c] = low[c];
+                    if (high[c] > full.max[c]) full.max[c] = high[c];
+                }
+            }
         } else {
-            walk<Mode::None, Weighted>(rect, step, weights, nullptr, seen, state);
+            walk<Mode::None, Weighted>(rect, weights, nullptr, seen, state);
         }
     }
     if (weightSum != nullptr) *weightSum = static_cast<int32_t>(state.weightSum);
@@ -278,12 +379,12 @@ const PixelKernelSet& pixelKernels() {
 }
 
 LinearSums linearSumsSampled(const PixelRect& rect, ColorTempHelper* sampler) {
-    return linearSums<false>(rect, 3, nullptr, nullptr, sampler);
+    return linearSums<false>(rect, nullptr, nullptr, sampler);
 }
 
 LinearSums linearSumsWeighted(const PixelRect& rect, const int32_t* weights, int32_t* weightSum,
                               ColorTempHelper* sampler) {
-    return linearSums<true>(rect, 1, weights, weightSum, sampler);
+    return linearSums<true>(rect, weights, weightSum, sampler);
 }
 
 void zeroFill(void* dst, size_t bytes) {
