@@ -80,9 +80,8 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
             break;
         case CWB_LUMAS_VALUE: {
             ALOGI("MORVIK_AI::CWB_LUMAS_VALUE::in_featureId=%d", featureId);
-            std::vector<float> lumas;
-            getLumasValue(rect, &lumas, _aidl_return);
-            const float luma = lumas.empty() ? 0.0f : lumas[0];
+            float luma = 0.0f;
+            *_aidl_return = lumaRequest(rect, &luma);
             values->push_back(static_cast<int32_t>(luma * 10000.0f));
             if (mDebugLog) {
                 ALOGI("lumas:%d, _aidl_return = %d", (*values)[0], static_cast<int>(*_aidl_return));

@@ -139,6 +139,7 @@ class CwbService : public BnCwbService,
                        std::array<unsigned char, 3>& rgb, unsigned short& state)
             REQUIRES(mRequestLock);
     float calcPixelsLumas(void* buffer, unsigned int stride, Rect rect);
+    Error lumaRequest(const Rect& rect, float* luma) EXCLUDES(mRequestLock);
     void calcPixelsHistogram(void* buffer, unsigned int stride, Rect rect, unsigned int (*bins)[3]);
 
   private:

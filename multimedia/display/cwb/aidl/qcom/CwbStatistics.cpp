@@ -243,14 +243,21 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
 
 ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
                                              Error* _aidl_return) {
-    ATRACE_CALL();
+    float luma = 0.0f;
+    *_aidl_return = lumaRequest(rect, &luma);
+    lumas->push_back(luma);
+    return ndk::ScopedAStatus::ok();
+}
+
+// The luma request without its output vector, so that getCwbValue needs none either.
+Error CwbService::lumaRequest(const Rect& rect, float* luma) {
+    ATRACE_NAME("getLumasValue");
     if (mDebugLog) {
         ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
     auto finish = [&](Error result, float value) {
-        lumas->push_back(value);
-        *_aidl_return = result;
-        return ndk::ScopedAStatus::ok();
+        *luma = value;
+        return result;
     };
     const int32_t displayId = mDisplayId;
     if (!mCwbEnabled || !mCwbStatus) return finish(Error::FAILED, 0.0f);
@@ -281,11 +288,11 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
         ALOGD("Get Luma error\n");
         return finish(Error::FAILED, 0.0f);
     }
-    const float luma = calcPixelsLumas(mCwbBufferHandle.base,
-                                       static_cast<unsigned int>(mCwbBufferHandle.width), work);
-    if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(luma));
-    mLumaCache[work] = luma;
-    return finish(Error::NONE, luma);
+    const float value = calcPixelsLumas(mCwbBufferHandle.base,
+                                        static_cast<unsigned int>(mCwbBufferHandle.width), work);
+    if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(value));
+    mLumaCache[work] = value;
+    return finish(Error::NONE, value);
 }
 
 float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) {
