@@ -333,12 +333,30 @@ std::string pixelName(const char* figure, int content, const Area& a) {
 
 // ---- Requests against the simulated phone ----
 
+// The phone shows the photo-like content, so that request figures compare with its passes.
+const host::device::Frame& screen() {
+    static const host::device::Frame out = [] {
+        host::device::Frame f;
+        f.width = static_cast<int>(kWidth);
+        f.height = static_cast<int>(kHeight);
+        f.rgb.resize(static_cast<size_t>(kWidth) * kHeight * 3);
+        for (unsigned int y = 0; y < kHeight; ++y) {
+            memcpy(&f.rgb[static_cast<size_t>(y) * kWidth * 3],
+                   &frame(kPhoto)[static_cast<size_t>(y) * kPitch * 3],
+                   static_cast<size_t>(kWidth) * 3);
+        }
+        return f;
+    }();
+    return out;
+}
+
 struct Phone {
     Phone() {
         host::properties::set("ro.vendor.zarel.display.cwb.display_id", "0");
         host::properties::set("ro.vendor.zarel.display.cwb.ct_range", "0,10,245,255");
         device = std::make_unique<host::device::Device>();
         device->setLatency(std::chrono::nanoseconds(0));
+        device->setFrame(host::device::PanelId::Main, host::device::FrameKind::Mixer, screen());
         composer = std::make_unique<host::device::Composer>();
         composer->boot();
         composer->powerMode(0, 2);
@@ -479,8 +497,8 @@ void runRequest(benchmark::State& state, const RequestFigure& f, const Area& a) 
             benchmark::Counter(threadCpu * 1e6 / static_cast<double>(state.iterations()));
 }
 
-// The simulated vendor's own share of a capture: it maps the capture buffer afresh, writes the
-// picture (black here: no frame is set) at the row pitch and unmaps it, on its own thread.
+// The simulated vendor's own share of a capture: it maps the capture buffer afresh, copies the
+// picture in at the row pitch and unmaps it, on its own thread.
 void VendorWriteback(benchmark::State& state) {
     static const int fd = [] {
         const int d = memfd_create("cwb_bench_capture", MFD_CLOEXEC);
@@ -491,7 +509,8 @@ void VendorWriteback(benchmark::State& state) {
         void* base = mmap(nullptr, kFrameBytes, PROT_READ | PROT_WRITE, MAP_SHARED, fd, 0);
         auto* dst = static_cast<uint8_t*>(base);
         for (unsigned int y = 0; y < kHeight; ++y) {
-            memset(dst + static_cast<size_t>(y) * kPitch * 3, 0, static_cast<size_t>(kWidth) * 3);
+            memcpy(dst + static_cast<size_t>(y) * kPitch * 3, screen().row(static_cast<int>(y)),
+                   static_cast<size_t>(kWidth) * 3);
         }
         munmap(base, kFrameBytes);
     }
