@@ -18,6 +18,7 @@
 #include <cstring>
 
 #include "CwbService.h"
+#include "PixelKernels.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -144,7 +145,7 @@ int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool pos
         ALOGE(secondary ? "mCwbBufferHandle_sec.base is NULL" : "mCwbBufferHandle.base is NULL");
         return -1;
     }
-    memset(info.base, 0, info.size);
+    zeroFill(info.base, info.size);
 
     dc::Rect region{};
     if (mRoiSupport) {

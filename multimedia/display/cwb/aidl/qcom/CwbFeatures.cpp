@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "CwbService.h"
+#include "PixelKernels.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -84,9 +85,8 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
             break;
         case CWB_LUMAS_VALUE: {
             ALOGI("MORVIK_AI::CWB_LUMAS_VALUE::in_featureId=%d", featureId);
-            std::vector<float> lumas;
-            getLumasValue(displayId, rect, &lumas, _aidl_return);
-            const float luma = lumas.empty() ? 0.0f : lumas[0];
+            float luma = 0.0f;
+            *_aidl_return = lumaRequest(displayId, rect, &luma);
             values->push_back(static_cast<int32_t>(luma * 10000.0f));
             if (mDebugLog) {
                 ALOGI("lumas:%d, _aidl_return = %d", (*values)[0], static_cast<int>(*_aidl_return));
@@ -410,12 +410,10 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
     }
     const auto* base = static_cast<const uint8_t*>(info.base);
     const size_t rowBytes = static_cast<size_t>(W) * 3;
-    for (int32_t y = 0; y < H; ++y) {
-        const size_t source = ((static_cast<size_t>(rect.top) + y) * info.width +
-                               static_cast<size_t>(rect.left)) *
-                              3;
-        memcpy(region + 8 + static_cast<size_t>(y) * rowBytes, base + source, rowBytes);
-    }
+    const size_t origin =
+            (static_cast<size_t>(rect.top) * info.width + static_cast<size_t>(rect.left)) * 3;
+    copyRows(region + 8, rowBytes, base + origin, static_cast<size_t>(info.width) * 3, rowBytes,
+             static_cast<size_t>(H));
     memcpy(region + 8 + crop, &kRecordMarker, sizeof(kRecordMarker));
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::display The screen is sliding - Copy screenshot");
     msync(region, static_cast<size_t>(total), MS_SYNC);

@@ -157,8 +157,8 @@ class CwbService : public BnCwbService,
     // mode, the capture buffer and the weights, whatever another thread stores meanwhile.
     ndk::ScopedAStatus getRGBValue(int32_t displayId, const Rect& rect, Rgb* rgb,
                                    Error* _aidl_return) EXCLUDES(mRequestLock);
-    ndk::ScopedAStatus getLumasValue(int32_t displayId, const Rect& rect, std::vector<float>* lumas,
-                                     Error* _aidl_return) EXCLUDES(mRequestLock);
+    // The luma request without its output vector, so that getCwbValue needs none either.
+    Error lumaRequest(int32_t displayId, const Rect& rect, float* luma) EXCLUDES(mRequestLock);
     ndk::ScopedAStatus getHistogramValue(int32_t displayId, const Rect& rect, Histogram* histogram,
                                          Error* _aidl_return) EXCLUDES(mRequestLock);
     bool checkInputRect(int32_t displayId, const Rect& in, Rect& out) EXCLUDES(mConfigMutex);

@@ -17,6 +17,7 @@
 #include "CwbService.h"
 #include "GammaTable.h"
 #include "ParseInt.h"
+#include "PixelKernels.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -28,9 +29,16 @@ constexpr int kPowerDoze = 1;
 constexpr int kPowerDozeSuspend = 3;
 constexpr int kAodCaptureLimit = 3;
 
-inline const uint8_t* pixelAt(const void* buffer, unsigned int stride, int x, int y) {
-    return static_cast<const uint8_t*>(buffer) +
-           3 * (static_cast<size_t>(x) + static_cast<size_t>(stride) * static_cast<size_t>(y));
+// An empty rectangle (right <= left or bottom <= top) gives zero width or height.
+PixelRect pixelRect(const void* buffer, unsigned int stride, const Rect& rect) {
+    PixelRect area;
+    area.base = static_cast<const uint8_t*>(buffer) +
+                3 * (static_cast<size_t>(rect.left) +
+                     static_cast<size_t>(stride) * static_cast<size_t>(rect.top));
+    area.pitchBytes = 3 * static_cast<size_t>(stride);
+    area.width = rect.right > rect.left ? static_cast<uint32_t>(rect.right - rect.left) : 0;
+    area.height = rect.bottom > rect.top ? static_cast<uint32_t>(rect.bottom - rect.top) : 0;
+    return area;
 }
 
 // Names the display an RGB request serves for the pass it runs, while it holds the request lock.
@@ -203,35 +211,17 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
               needWeights ? 1u : 0u);
     }
 
+    const PixelRect area = pixelRect(buffer, stride, rect);
     double sum[3] = {0.0, 0.0, 0.0};
     uint64_t count = 0;
     if (!needWeights) {
-        for (int32_t y = rect.top; y < rect.bottom; y += 3) {
-            for (int32_t x = rect.left; x < rect.right; x += 3) {
-                const uint8_t* p = pixelAt(buffer, stride, x, y);
-                sampler.addSample(p[0], p[1], p[2]);
-                sum[0] += kGammaTable[p[0]];
-                sum[1] += kGammaTable[p[1]];
-                sum[2] += kGammaTable[p[2]];
-                ++count;
-            }
-        }
+        const LinearSums sums = linearSumsSampled(area, &sampler);
+        for (int c = 0; c < 3; ++c) sum[c] = sums.sum[c];
+        count = static_cast<uint64_t>((area.width + 2) / 3) * ((area.height + 2) / 3);
     } else {
         int32_t weightSum = 0;
-        const int32_t* w = weights->data();
-        for (int32_t y = rect.top; y < rect.bottom; ++y) {
-            const uint8_t* p = pixelAt(buffer, stride, rect.left, y);
-            for (int32_t x = rect.left; x < rect.right; ++x, p += 3, ++w) {
-                sampler.addSample(p[0], p[1], p[2]);
-                // Wraps like the 32-bit sum it is; never undefined.
-                weightSum = static_cast<int32_t>(static_cast<uint32_t>(weightSum) +
-                                                 static_cast<uint32_t>(*w));
-                const double weight = static_cast<double>(*w);
-                sum[0] += kGammaTable[p[0]] * weight;
-                sum[1] += kGammaTable[p[1]] * weight;
-                sum[2] += kGammaTable[p[2]] * weight;
-            }
-        }
+        const LinearSums sums = linearSumsWeighted(area, weights->data(), &weightSum, &sampler);
+        for (int c = 0; c < 3; ++c) sum[c] = sums.sum[c];
         count = pixelCount;
         if (weightSum != 0) {
             for (double& s : sum) s = s / weightSum * static_cast<double>(count);
@@ -281,19 +271,20 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
 ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
                                              Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::getLumasValue, &rect, _aidl_return);
-    return getLumasValue(mDisplayId, rect, lumas, _aidl_return);
+    float luma = 0.0f;
+    *_aidl_return = lumaRequest(mDisplayId, rect, &luma);
+    lumas->push_back(luma);
+    return ndk::ScopedAStatus::ok();
 }
 
-ndk::ScopedAStatus CwbService::getLumasValue(int32_t displayId, const Rect& rect,
-                                             std::vector<float>* lumas, Error* _aidl_return) {
+Error CwbService::lumaRequest(int32_t displayId, const Rect& rect, float* luma) {
     ATRACE_NAME("getLumasValue");
     if (mDebugLog) {
         ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
     auto finish = [&](Error result, float value) {
-        lumas->push_back(value);
-        *_aidl_return = result;
-        return ndk::ScopedAStatus::ok();
+        *luma = value;
+        return result;
     };
     if (!mCwbEnabled || !mCwbStatus) {
         mStats.count(CwbStats::Counter::RefusedDisabled);
@@ -332,24 +323,17 @@ ndk::ScopedAStatus CwbService::getLumasValue(int32_t displayId, const Rect& rect
         mStats.count(CwbStats::Counter::CaptureFailed);
         return finish(Error::FAILED, 0.0f);
     }
-    const float luma = calcPixelsLumas(mCwbBufferHandle.base,
-                                       static_cast<unsigned int>(mCwbBufferHandle.width), work);
-    if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(luma));
-    mLumaCache.put(work, luma);
-    return finish(Error::NONE, luma);
+    const float value = calcPixelsLumas(mCwbBufferHandle.base,
+                                        static_cast<unsigned int>(mCwbBufferHandle.width), work);
+    if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(value));
+    mLumaCache.put(work, value);
+    return finish(Error::NONE, value);
 }
 
 float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) {
     ATRACE_CALL();
-    uint32_t sum = 0;
-    for (int32_t y = rect.top; y < rect.bottom; ++y) {
-        if (rect.right <= rect.left) continue;
-        const uint8_t* p = pixelAt(buffer, stride, rect.left, y);
-        for (int32_t x = rect.left; x < rect.right; ++x, p += 3) {
-            sum += (7u * p[0] + 23u * p[1] + 2u * p[2]) >> 5;
-        }
-    }
     if (rect.right <= rect.left || rect.bottom <= rect.top) return 0.0f;
+    const uint32_t sum = pixelKernels().lumaSum(pixelRect(buffer, stride, rect));
     const uint32_t n = static_cast<uint32_t>(rect.bottom - rect.top) *
                        static_cast<uint32_t>(rect.right - rect.left);
     return static_cast<float>(sum) / (static_cast<float>(n) * 255.0f);
@@ -427,15 +411,8 @@ ndk::ScopedAStatus CwbService::getHistogramValue(int32_t displayId, const Rect& 
 void CwbService::calcPixelsHistogram(void* buffer, unsigned int stride, Rect rect,
                                      unsigned int (*bins)[3]) {
     ATRACE_CALL();
-    if (rect.right <= rect.left) return;
-    for (int32_t y = rect.top; y < rect.bottom; ++y) {
-        const uint8_t* p = pixelAt(buffer, stride, rect.left, y);
-        for (int32_t x = rect.left; x < rect.right; ++x, p += 3) {
-            ++bins[p[0]][0];
-            ++bins[p[1]][1];
-            ++bins[p[2]][2];
-        }
-    }
+    if (rect.right <= rect.left || rect.bottom <= rect.top) return;
+    pixelKernels().histogram(pixelRect(buffer, stride, rect), bins);
 }
 
 // ---- Weight-positions file ----
