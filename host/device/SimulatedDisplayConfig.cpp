@@ -418,10 +418,15 @@ uint32_t SimulatedDisplayConfig::activeMode(PanelId panel) const {
 }
 
 void SimulatedDisplayConfig::setFrame(PanelId panel, FrameKind kind, Frame frame) {
-    auto shared = std::make_shared<const Frame>(std::move(frame));
+    setFrame(panel, kind, std::make_shared<const Frame>(std::move(frame)));
+}
+
+void SimulatedDisplayConfig::setFrame(PanelId panel, FrameKind kind,
+                                      std::shared_ptr<const Frame> frame) {
     std::lock_guard<std::mutex> lock(mEngine->mutex);
     Engine::Panel& p = mEngine->panel(panel);
-    (kind == FrameKind::Mixer ? p.mixer : p.post) = std::move(shared);
+    (kind == FrameKind::Mixer ? p.mixer : p.post).swap(frame);
+    // The previous picture goes when frame does, after the lock.
 }
 
 void SimulatedDisplayConfig::clearFrame(PanelId panel, FrameKind kind) {

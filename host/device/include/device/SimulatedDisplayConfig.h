@@ -72,6 +72,8 @@ class SimulatedDisplayConfig : public config::BnDisplayConfig {
     // Until a frame is set the panel shows black at its active mode's size. Without a
     // post-processed frame the post-processed output equals the mixer output.
     void setFrame(PanelId panel, FrameKind kind, Frame frame);
+    // The same without a copy, for a picture shown again and again.
+    void setFrame(PanelId panel, FrameKind kind, std::shared_ptr<const Frame> frame);
     void clearFrame(PanelId panel, FrameKind kind);
 
     // Time from an accepted request to its completion; nullopt is one vsync period of the
