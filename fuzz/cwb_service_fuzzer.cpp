@@ -21,6 +21,7 @@
 #include <host/gralloc_control.h>
 #include <host/log_capture.h>
 #include <host/properties.h>
+#include <host/sandbox.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -467,6 +468,9 @@ void Session::tearDown() {
     // more allocations than it found, to look for leaks.
     host::properties::clear();
     host::log::clear();
+    host::sandbox::resetCounts();
+    mDevice.setPanelModes(PanelId::Main, kMainModes[0]);
+    mDevice.setPanelModes(PanelId::Secondary, kSecondaryModes[0]);
     // A destroyed service leaves no capture buffer behind.
     if (host::gralloc::liveBuffers() != 0) {
         fprintf(stderr, "%zu capture buffers outlive the service\n", host::gralloc::liveBuffers());
