@@ -617,7 +617,7 @@ void Session::hostEvent(uint8_t op) {
         return;
     }
     host::device::Composer& c = *mComposer;
-    switch (op % 10) {
+    switch (op % 12) {
         case 0:
         case 1:
             c.layerChange();
@@ -655,6 +655,39 @@ void Session::hostEvent(uint8_t op) {
         case 9:
             host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
             break;
+        case 10: {
+            // The operations the service exports to its host besides the proxy's events.
+            CwbService& s = *mService;
+            switch (mIn.u8() % 5) {
+                case 0:
+                    s.clearCache();
+                    break;
+                case 1: {
+                    uint32_t width = 0;
+                    uint32_t height = 0;
+                    s.getResolution(width, height);
+                    break;
+                }
+                case 2:
+                    s.generateCookie();
+                    break;
+                case 3:
+                    s.captureScreenAllowed();
+                    break;
+                default: {
+                    Rect checked;
+                    s.checkInputRect(rect(mIn), checked);
+                    break;
+                }
+            }
+            break;
+        }
+        case 11: {
+            // A completion through the vendor's legacy callback, whether or not one is awaited.
+            static const int32_t kErrors[] = {0, -1, 3};
+            mService->NotifyCWBBufferDone(mIn.pick(kErrors), nullptr);
+            break;
+        }
     }
 }
 
