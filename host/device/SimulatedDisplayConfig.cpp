@@ -204,7 +204,9 @@ binder_exception_t SimulatedDisplayConfig::Engine::accept(
     request->error = outcome.second;
     queue.push_back(std::move(request));
     inFlight.push_back(id);
-    wake.notify_all();
+    // In synchronous mode the caller completes it; waking the idle thread would only cost a
+    // context switch per request.
+    if (!synchronous) wake.notify_all();
     return EX_NONE;
 }
 
@@ -454,7 +456,7 @@ void SimulatedDisplayConfig::clearOutcomes() {
 void SimulatedDisplayConfig::setManualCompletion(bool manual) {
     std::lock_guard<std::mutex> lock(mEngine->mutex);
     mEngine->manual = manual;
-    mEngine->wake.notify_all();
+    if (!mEngine->synchronous) mEngine->wake.notify_all();
 }
 
 bool SimulatedDisplayConfig::completeNext(int32_t error) {
@@ -465,7 +467,7 @@ bool SimulatedDisplayConfig::completeNext(int32_t error) {
         if (it == mEngine->queue.end()) return false;
         (*it)->released = true;
         (*it)->releasedError = error;
-        mEngine->wake.notify_all();
+        if (!mEngine->synchronous) mEngine->wake.notify_all();
     }
     mEngine->drain();
     return true;
