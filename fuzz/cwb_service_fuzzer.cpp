@@ -230,15 +230,38 @@ struct Phone {
     }
 
     void resizeRegion(int index, int64_t bytes) {
+        if (regionBytes[index] == bytes) return;
         if (ftruncate(regions[index].get(), bytes) != 0) abort();
         regionBytes[index] = bytes;
+    }
+
+    // Device files are rewritten only when they change: most inputs keep the previous ones.
+    void setWeights(PanelId panel, const std::optional<std::string>& text) {
+        std::optional<std::string>& current = weights[panel == PanelId::Main ? 0 : 1];
+        if (current == text) return;
+        if (text) {
+            device->writeWeights(panel, *text);
+        } else {
+            unlink(device->hostPath(panel == PanelId::Main
+                                            ? host::device::Device::kWeightsMain
+                                            : host::device::Device::kWeightsSecondary)
+                           .c_str());
+        }
+        current = text;
+    }
+    void setApl(const std::optional<std::string>& text) {
+        if (apl == text) return;
+        device->setAplFile(text);
+        apl = text;
     }
 
     std::string root;
     std::unique_ptr<host::device::Device> device;
     std::shared_ptr<FuzzClient> clients[kClientCount];
     ndk::ScopedFileDescriptor regions[kRegionCount];
-    int64_t regionBytes[kRegionCount] = {};
+    int64_t regionBytes[kRegionCount] = {-1, -1, -1};
+    std::optional<std::string> weights[2];
+    std::optional<std::string> apl;
     ndk::ScopedFileDescriptor none;
     ndk::ScopedFileDescriptor pipeRead;
     ndk::ScopedFileDescriptor pipeWrite;
@@ -403,18 +426,9 @@ void Session::setUp() {
         host::properties::set(kCtRangeKey, mIn.text(24));
     }
 
-    for (PanelId panel : {PanelId::Main, PanelId::Secondary}) {
-        const std::optional<std::string> weights = weightsText(mIn);
-        const std::string path =
-                mDevice.hostPath(panel == PanelId::Main ? host::device::Device::kWeightsMain
-                                                        : host::device::Device::kWeightsSecondary);
-        if (weights) {
-            mDevice.writeWeights(panel, *weights);
-        } else {
-            unlink(path.c_str());
-        }
-    }
-    mDevice.setAplFile(aplText(mIn));
+    mPhone.setWeights(PanelId::Main, weightsText(mIn));
+    mPhone.setWeights(PanelId::Secondary, weightsText(mIn));
+    mPhone.setApl(aplText(mIn));
 
     const uint8_t mainPick = mIn.u8();
     mDevice.setPanelModes(PanelId::Main, mainPick < 248 ? kMainModes[mainPick % 7] : kMainModes[7]);
@@ -747,7 +761,7 @@ void Session::phoneChange(uint8_t op) {
             break;
         }
         case 11:
-            mDevice.setAplFile(aplText(mIn));
+            mPhone.setApl(aplText(mIn));
             break;
         case 12: {
             auto& client = *mPhone.clients[mIn.u8() % kClientCount];
