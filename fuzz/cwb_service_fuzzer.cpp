@@ -1,119 +1,279 @@
-// Drives the CWB service's client methods, and the composer events between them, from the input
-// bytes against the simulated phone: the feature request, the shared-memory crop export, the
-// statistics and the panel readings with arbitrary ids, rectangles, sizes and descriptors.
+// Drives the CWB service from the input bytes: all of its client methods, every composer event,
+// several clients' callbacks, shared-memory regions of chosen sizes, and the simulated phone's
+// faults (vendor errors, drops, refusals, late completions, vendor and qservice absent, gralloc
+// failures), on a phone whose properties, weight files, APL file and panel modes the input picks.
+//
+// The phone is made once per process and reset between inputs; each input boots a fresh service
+// on it. The clock is manual and the vendor completes on the calling thread, so no input waits
+// on real time: waits that would time out return at once with the clock moved to their deadline.
+//
+// CWB_FUZZ_ECHO=1 prints the service's log lines, to see what an input reaches.
+// Memory files may be smaller than the size the service is told, and shrink while mapped: the
+// service must refuse or seal them rather than fault. CWB_FUZZ_UNDERSIZED_REGIONS=0 keeps every
+// file at least as large as declared.
 #include <CwbService.h>
+#include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 #include <device/Composer.h>
 #include <device/Device.h>
+#include <fcntl.h>
+#include <host/binder_registry.h>
+#include <host/clock.h>
+#include <host/gralloc_control.h>
 #include <host/log_capture.h>
 #include <host/properties.h>
+#include <host/sandbox.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
 #include <chrono>
+#include <climits>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <filesystem>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
+
+#include "FuzzBytes.h"
+#include "FuzzSandbox.h"
 
 namespace {
 
+using aidl::vendor::zarel::hardware::cwb::BnCwbCallback;
 using aidl::vendor::zarel::hardware::cwb::Error;
 using aidl::vendor::zarel::hardware::cwb::Histogram;
+using aidl::vendor::zarel::hardware::cwb::ICwbCallback;
 using aidl::vendor::zarel::hardware::cwb::Rect;
 using aidl::vendor::zarel::hardware::cwb::Rgb;
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
+using cwbfuzz::FuzzBytes;
 using host::device::Frame;
 using host::device::FrameKind;
 using host::device::PanelId;
+using host::device::PanelMode;
+using Outcome = host::device::SimulatedDisplayConfig::Outcome;
 
-// Consumes the input front to back; past its end every read gives zeros.
-class Bytes {
-  public:
-    Bytes(const uint8_t* data, size_t size) : mData(data), mSize(size) {}
+constexpr int kMaxOperations = 96;
+constexpr int kClientCount = 4;
+constexpr int kRegionCount = 3;
+// Every crop record of the largest panel below fits: 1080 x 2400 x 3 + 12 bytes.
+constexpr int64_t kMaxRegionBytes = 8 * 1024 * 1024;
+constexpr const char* kServiceInstance = "vendor.zarel.hardware.cwb.ICwbService/default";
 
-    bool empty() const { return mPos >= mSize; }
-    uint8_t u8() { return mPos < mSize ? mData[mPos++] : 0; }
-    int32_t i32() {
-        uint32_t v = 0;
-        for (int i = 0; i < 4; ++i) v = (v << 8) | u8();
-        return static_cast<int32_t>(v);
-    }
-    // Mostly values near the panel's edges, sometimes any int32.
-    int32_t coordinate() {
-        static constexpr int32_t kNear[] = {0,    1,    2,    99,   100,  719,  720,  1079,
-                                            1080, 1081, 1599, 1600, 2399, 2400, 2401, -1};
-        const uint8_t pick = u8();
-        if (pick < 200) return kNear[pick % (sizeof(kNear) / sizeof(kNear[0]))];
-        if (pick < 230) return static_cast<int32_t>(0x80000000u | (i32() & 0xFFFFFF));  // fraction
-        return i32();
-    }
-    Rect rect() {
-        Rect r;
-        r.left = coordinate();
-        r.top = coordinate();
-        r.right = coordinate();
-        r.bottom = coordinate();
-        return r;
-    }
-    int32_t size() {
-        static constexpr int32_t kSizes[] = {
-                0, 1, 7, 8, 12, 15, 4096, 30011, 30012, 65536, 7776012, -1, INT32_MAX, INT32_MIN};
-        const uint8_t pick = u8();
-        if (pick < 220) return kSizes[pick % (sizeof(kSizes) / sizeof(kSizes[0]))];
-        return i32();
-    }
-    std::string text(size_t max) {
-        const size_t n = u8() % (max + 1);
-        std::string out;
-        for (size_t i = 0; i < n && !empty(); ++i) out.push_back(static_cast<char>(u8()));
-        return out;
-    }
+// ---- Choice tables (the first entry is the usual case) ----
 
-  private:
-    const uint8_t* mData;
-    size_t mSize;
-    size_t mPos = 0;
+struct PropertyChoice {
+    const char* key;
+    std::vector<const char*> values;  // nullptr leaves the property unset
 };
 
-// One simulated phone for the whole run; members are destroyed in reverse order at exit.
-struct Phone {
-    static constexpr int32_t kRegionBytes = 8 * 1024 * 1024;
+const std::vector<PropertyChoice>& propertyChoices() {
+    static const std::vector<PropertyChoice> choices = {
+            {"ro.vendor.zarel.display.cwb.display_id", {"0", "3", "-1", nullptr, "1", "0x3"}},
+            {"ro.vendor.zarel.display.cwb.display_id_sec", {"3", nullptr, "-1", "0", "4"}},
+            {"ro.vendor.zarel.display.cwb.roi", {"1", "0", nullptr}},
+            {"ro.vendor.zarel.display.cwb.rotate", {nullptr, "0", "1", "2", "3", "4", "-1"}},
+            {"ro.vendor.zarel.display.cwb.rotate_main", {"0", "1", "2", "3", "4", "-1"}},
+            {"ro.vendor.zarel.display.cwb.rotate_sec", {"0", "1", "2", "3", "5"}},
+            {"ro.vendor.zarel.display.cwb.postprocess", {"0", "1", nullptr}},
+            {"ro.vendor.zarel.display.cwb.aod_forbidden", {"0", "1"}},
+            {"ro.vendor.zarel.display.cwb.fod_forbidden", {"0", "1"}},
+            {"ro.vendor.zarel.display.cwb.apl_read_support", {"1", "0"}},
+    };
+    return choices;
+}
 
+constexpr const char* kCtRangeKey = "ro.vendor.zarel.display.cwb.ct_range";
+const char* const kCtRanges[] = {
+        "0,10,245,255",      "0,0,255,255",       nullptr,     "1,2,3", "a,b,c,d",
+        ",,0,,10,245,255,,", "99999999999,1,2,3", "-5,300,7,7"};
+
+const std::vector<PanelMode> kMainModes[] = {
+        {{64, 48, 16'666'666}, {64, 48, 8'333'333}},
+        {{32, 32, 16'666'666}, {48, 64, 8'333'333}, {16, 8, 11'111'111}},
+        {},
+        {{1, 1, 16'666'666}},
+        {{0, 0, 16'666'666}, {8, 8, 0}},
+        {{-1, 5, 0}},
+        {{200, 100, INT_MAX}, {3, 2, -1}},
+        {{1080, 2400, 16'666'666}, {1080, 2400, 8'333'333}},  // the real panel: rare, slow
+};
+const std::vector<PanelMode> kSecondaryModes[] = {
+        {{40, 72, 16'666'666}},
+        {{72, 40, 16'666'666}, {16, 16, 8'333'333}},
+        {},
+        {{1, 1, 1}},
+};
+
+const int32_t kCoordinates[] = {0,  1,  2,  3,  8,   16,  31,  32,   47,   48,   63, 64,
+                                65, 71, 72, 99, 100, 199, 200, 1079, 1080, 2400, -1, INT_MAX};
+const int32_t kFractions[] = {0, 50000, 100000, 25000, 99999, 0xFFFFFF};
+const int32_t kSizes[] = {0,     1,     7,       8,       12, 15,        20,       4096,
+                          30012, 65536, 7776012, 8388608, -1, INT32_MAX, INT32_MIN};
+const int64_t kRegionSizes[] = {65536, 0, 7, 12, 20, 4096, 30012, kMaxRegionBytes};
+const int64_t kClockSteps[] = {51'000'000, 0,           1'000'000,     16'666'666,       49'999'999,
+                               50'000'000, 100'000'000, 1'000'000'000, 1'099'511'627'776};
+const uint64_t kDisplays[] = {0, 3, 1, 4, UINT64_MAX};
+const int kPowerModes[] = {2, 0, 1, 3, 4, -1};
+const char* const kPatterns[] = {"bars", "ramp", "checker", "gradient"};
+const uint32_t kRowAlignments[] = {64, 1, 3, 0};
+constexpr int kFillCount = 6;
+const uint8_t kFills[kFillCount][3] = {{0, 0, 0}, {255, 255, 255}, {255, 0, 0},
+                                       {5, 5, 5}, {250, 250, 250}, {40, 128, 200}};
+
+// ---- Clients ----
+
+// A client's callback. It can die (its calls fail as a dead binder's do) and it can call back
+// into the service from its notification, as a client on another binder thread may.
+class FuzzClient : public BnCwbCallback {
+  public:
+    enum class Reentry { None, UnregisterSelf, RegisterSelf, Disable, Enable, Request, Debug };
+
+    ndk::ScopedAStatus notifyCwbStatus(bool /*status*/) override;
+
+    bool dead = false;
+    Reentry reentry = Reentry::None;
+};
+
+std::shared_ptr<CwbService> gService;  // the service of the input being played
+thread_local int gReentryDepth = 0;
+// Calls back into the service per input: a client that registers itself again from every
+// notification multiplies the registrations (duplicates are kept), so the budget bounds the
+// time an input takes.
+int gReentryBudget = 0;
+
+ndk::ScopedAStatus FuzzClient::notifyCwbStatus(bool /*status*/) {
+    if (dead) return ndk::ScopedAStatus::fromStatus(STATUS_DEAD_OBJECT);
+    if (reentry == Reentry::None || gService == nullptr || gReentryDepth >= 2 ||
+        gReentryBudget <= 0) {
+        return ndk::ScopedAStatus::ok();
+    }
+    --gReentryBudget;
+    ++gReentryDepth;
+    std::shared_ptr<CwbService> service = gService;
+    Error error = Error::NONE;
+    bool done = false;
+    switch (reentry) {
+        case Reentry::UnregisterSelf:
+            service->unregisterCallback(ref<ICwbCallback>(), &error);
+            break;
+        case Reentry::RegisterSelf:
+            service->registerCallback(ref<ICwbCallback>(), &error);
+            break;
+        case Reentry::Disable:
+            service->disable(&done);
+            break;
+        case Reentry::Enable:
+            service->enable(&done);
+            break;
+        case Reentry::Request: {
+            Rgb rgb;
+            service->getRGBValue(Rect{0, 0, 4, 4}, &rgb, &error);
+            break;
+        }
+        case Reentry::Debug:
+            service->setDebug({1, 0, 1}, &error);
+            break;
+        case Reentry::None:
+            break;
+    }
+    --gReentryDepth;
+    return ndk::ScopedAStatus::ok();
+}
+
+// ---- The phone, made once ----
+
+struct Phone {
     Phone() {
-        host::properties::set("ro.vendor.zarel.display.cwb.display_id", "0");
-        host::properties::set("ro.vendor.zarel.display.cwb.display_id_sec", "3");
-        host::properties::set("ro.vendor.zarel.display.cwb.roi", "1");
-        host::properties::set("ro.vendor.zarel.display.cwb.apl_read_support", "1");
-        host::properties::set("ro.vendor.zarel.display.cwb.ct_range", "0,10,245,255");
-        device = std::make_unique<host::device::Device>();
-        device->setLatency(std::chrono::milliseconds(0));
-        device->setFrame(PanelId::Main, FrameKind::Mixer, *Frame::pattern("bars", 1080, 2400));
-        device->setFrame(PanelId::Secondary, FrameKind::Mixer,
-                         *Frame::pattern("gradient", 720, 1600));
-        composer = std::make_unique<host::device::Composer>();
-        composer->boot();
-        service = composer->proxy().service();
-        composer->powerMode(0, 2);
-        composer->powerMode(3, 2);
+        root = cwbfuzz::makeSandbox();
+        device = std::make_unique<host::device::Device>(root);
+        host::clock::setManual(true);
+        device->displayConfig()->setSynchronousCompletion(true);
+        for (auto& client : clients) client = ndk::SharedRefBase::make<FuzzClient>();
         for (auto& region : regions) {
             region = ndk::ScopedFileDescriptor(memfd_create("cwb_fuzz_region", MFD_CLOEXEC));
-            if (ftruncate(region.get(), kRegionBytes) != 0) abort();
+            if (region.get() < 0) abort();
         }
+        int ends[2] = {-1, -1};
+        if (pipe2(ends, O_CLOEXEC) != 0) abort();
+        pipeRead.reset(ends[0]);
+        pipeWrite.reset(ends[1]);
+        readOnly.reset(open("/dev/null", O_RDONLY | O_CLOEXEC));
+        const char* undersized = getenv("CWB_FUZZ_UNDERSIZED_REGIONS");
+        undersizedRegions = undersized == nullptr || undersized[0] != '0';
     }
     ~Phone() {
-        composer.reset();
-        service.reset();
         device.reset();
+        std::error_code ec;
+        std::filesystem::remove_all(root, ec);
     }
 
+    // The descriptor a client hands over: a region, none, or ones that cannot be mapped.
+    const ndk::ScopedFileDescriptor& descriptor(uint8_t pick) {
+        switch (pick % 7) {
+            case 3:
+                return none;
+            case 4:
+                return pipeRead;
+            case 5:
+                return readOnly;
+            case 6:
+                return closed;
+            default:
+                return regions[pick % 7];
+        }
+    }
+
+    void resizeRegion(int index, int64_t bytes) {
+        if (regionBytes[index] == bytes) return;
+        if (ftruncate(regions[index].get(), bytes) != 0) {
+            // The service seals a region against shrinking once it maps it: take a fresh file.
+            if (errno != EPERM) abort();
+            regions[index] =
+                    ndk::ScopedFileDescriptor(memfd_create("cwb_fuzz_region", MFD_CLOEXEC));
+            if (regions[index].get() < 0 || ftruncate(regions[index].get(), bytes) != 0) abort();
+        }
+        regionBytes[index] = bytes;
+    }
+
+    // Device files are rewritten only when they change: most inputs keep the previous ones.
+    void setWeights(PanelId panel, const std::optional<std::string>& text) {
+        std::optional<std::string>& current = weights[panel == PanelId::Main ? 0 : 1];
+        if (current == text) return;
+        if (text) {
+            device->writeWeights(panel, *text);
+        } else {
+            unlink(device->hostPath(panel == PanelId::Main
+                                            ? host::device::Device::kWeightsMain
+                                            : host::device::Device::kWeightsSecondary)
+                           .c_str());
+        }
+        current = text;
+    }
+    void setApl(const std::optional<std::string>& text) {
+        if (apl == text) return;
+        device->setAplFile(text);
+        apl = text;
+    }
+
+    std::string root;
     std::unique_ptr<host::device::Device> device;
-    std::unique_ptr<host::device::Composer> composer;
-    std::shared_ptr<CwbService> service;
-    ndk::ScopedFileDescriptor regions[2];
+    std::shared_ptr<FuzzClient> clients[kClientCount];
+    ndk::ScopedFileDescriptor regions[kRegionCount];
+    int64_t regionBytes[kRegionCount] = {-1, -1, -1};
+    std::optional<std::string> weights[2];
+    std::optional<std::string> apl;
     ndk::ScopedFileDescriptor none;
+    ndk::ScopedFileDescriptor pipeRead;
+    ndk::ScopedFileDescriptor pipeWrite;
+    ndk::ScopedFileDescriptor readOnly;
+    ndk::ScopedFileDescriptor closed{1 << 20};  // above any descriptor the process can hold
+    bool undersizedRegions = false;
 };
 
 Phone& phone() {
@@ -121,123 +281,545 @@ Phone& phone() {
     return p;
 }
 
-// getCwbValue may wait 50 ms for a layer change; a few per input keep the run fast.
-constexpr int kMaxFeatureRequests = 2;
-constexpr int kMaxOperations = 64;
+// ---- Input-driven values ----
 
-void runOne(Phone& p, Bytes& in, int& featureRequests) {
-    CwbService& s = *p.service;
-    Error error = Error::NONE;
-    switch (in.u8() % 16) {
+int32_t coordinate(FuzzBytes& in) {
+    const uint8_t pick = in.u8();
+    if (pick < 200) return kCoordinates[pick % (sizeof(kCoordinates) / sizeof(kCoordinates[0]))];
+    if (pick < 240) return static_cast<int32_t>(0x80000000u | in.pick(kFractions));
+    return in.i32();
+}
+
+Rect rect(FuzzBytes& in) {
+    Rect r;
+    r.left = coordinate(in);
+    r.top = coordinate(in);
+    r.right = coordinate(in);
+    r.bottom = coordinate(in);
+    return r;
+}
+
+int32_t size(FuzzBytes& in) {
+    const uint8_t pick = in.u8();
+    if (pick < 240) return kSizes[pick % (sizeof(kSizes) / sizeof(kSizes[0]))];
+    return in.i32();
+}
+
+// A weights file: absent, raw text, or a well-formed one with chosen count and values.
+std::optional<std::string> weightsText(FuzzBytes& in) {
+    switch (in.u8() % 4) {
+        case 0:
+            return std::nullopt;
+        case 1:
+            return in.text(48);
+        default: {
+            static const int32_t kCounts[] = {4, 9, 16, 0, 1, -1, 3, INT_MAX};
+            static const char* const kValues[] = {"1",   "2",          "0",           "-1",
+                                                  "100", "2147483647", "-2147483648", "x"};
+            std::string text = "{\"count\":" + std::to_string(in.pick(kCounts)) + ",\"Weights\":[";
+            const int n = in.u8() % 18;
+            for (int i = 0; i < n; ++i) {
+                if (i > 0) text += ",";
+                text += in.pick(kValues);
+            }
+            return text + "]}";
+        }
+    }
+}
+
+std::optional<std::string> aplText(FuzzBytes& in) {
+    switch (in.u8() % 4) {
         case 0: {
-            if (featureRequests++ >= kMaxFeatureRequests) break;
-            std::vector<int32_t> values;
-            const int32_t id = static_cast<int8_t>(in.u8()) % 17;
-            const Rect r = in.rect();
-            s.getCwbValue(id, r, &values, &error);
-            break;
+            char text[16];
+            snprintf(text, sizeof(text), "%02x %02x\n", in.u8(), in.u8());
+            return std::string(text);
         }
         case 1:
+            return std::nullopt;
+        case 2:
+            return std::string();
+        default:
+            return in.text(40);
+    }
+}
+
+void setFrame(host::device::Device& device, FuzzBytes& in, PanelId panel) {
+    const FrameKind kind = in.flag() ? FrameKind::PostProcessed : FrameKind::Mixer;
+    const std::vector<PanelMode> modes = device.displayConfig()->panelModes(panel);
+    int width = 64;
+    int height = 48;
+    if (!modes.empty()) {
+        const PanelMode& mode = modes[device.displayConfig()->activeMode(panel)];
+        width = mode.width;
+        height = mode.height;
+    }
+    // Sometimes a picture that does not match the mode.
+    if (in.u8() % 8 == 7) {
+        static const int kSides[] = {1, 7, 33, 100};
+        width = in.pick(kSides);
+        height = in.pick(kSides);
+    }
+    if (width <= 0 || height <= 0) return;
+    const uint8_t choice = in.u8() % (4 + kFillCount);
+    // Pictures are drawn once: drawing one costs more than most inputs.
+    using Key = std::tuple<uint8_t, int, int>;
+    static std::map<Key, std::shared_ptr<const Frame>> drawn;
+    const Key key{choice, width, height};
+    auto it = drawn.find(key);
+    if (it == drawn.end()) {
+        if (drawn.size() >= 1024) drawn.clear();
+        std::optional<Frame> frame;
+        if (choice < 4) {
+            frame = Frame::pattern(kPatterns[choice], width, height);
+        } else {
+            const uint8_t* c = kFills[choice - 4];
+            frame = Frame::filled(width, height, c[0], c[1], c[2]);
+        }
+        if (!frame) return;
+        it = drawn.emplace(key, std::make_shared<const Frame>(std::move(*frame))).first;
+    }
+    device.displayConfig()->setFrame(panel, kind, it->second);
+}
+
+// Answers carry documented codes only; getRGBValue adds its verdict bits above them.
+void checkError(Error error, bool withState = false) {
+    const uint32_t word = static_cast<uint32_t>(error);
+    if ((word & 0xFFFF) > static_cast<uint32_t>(Error::SCREEN_OFF) ||
+        (word >> 16) > (withState ? 3u : 0u)) {
+        fprintf(stderr, "undocumented error word 0x%x\n", word);
+        abort();
+    }
+}
+
+// ---- One input ----
+
+class Session {
+  public:
+    Session(Phone& phone, FuzzBytes& in) : mPhone(phone), mIn(in), mDevice(*phone.device) {}
+
+    void setUp();
+    void play();
+    void tearDown();
+
+  private:
+    void boot();
+    void runOne();
+    void clientCall(uint8_t op);
+    void hostEvent(uint8_t op);
+    void phoneChange(uint8_t op);
+
+    Phone& mPhone;
+    FuzzBytes& mIn;
+    host::device::Device& mDevice;
+    std::unique_ptr<host::device::Composer> mComposer;
+    std::shared_ptr<CwbService> mService;
+};
+
+void Session::setUp() {
+    host::gralloc::reset();
+    aidl::vendor::zarel::hardware::cwb::implementation::mLightModeID = 2;
+
+    for (const PropertyChoice& choice : propertyChoices()) {
+        const char* value = choice.values[mIn.u8() % choice.values.size()];
+        if (value != nullptr) host::properties::set(choice.key, value);
+    }
+    const uint8_t ct = mIn.u8();
+    if (ct < 240) {
+        if (const char* value = kCtRanges[ct % (sizeof(kCtRanges) / sizeof(kCtRanges[0]))]) {
+            host::properties::set(kCtRangeKey, value);
+        }
+    } else {
+        host::properties::set(kCtRangeKey, mIn.text(24));
+    }
+
+    mPhone.setWeights(PanelId::Main, weightsText(mIn));
+    mPhone.setWeights(PanelId::Secondary, weightsText(mIn));
+    mPhone.setApl(aplText(mIn));
+
+    const uint8_t mainPick = mIn.u8();
+    mDevice.setPanelModes(PanelId::Main, mainPick < 248 ? kMainModes[mainPick % 7] : kMainModes[7]);
+    mDevice.setPanelModes(PanelId::Secondary, mIn.pick(kSecondaryModes));
+    for (PanelId panel : {PanelId::Main, PanelId::Secondary}) {
+        mDevice.displayConfig()->clearFrame(panel, FrameKind::PostProcessed);
+        mDevice.displayConfig()->clearFrame(panel, FrameKind::Mixer);
+        setFrame(mDevice, mIn, panel);
+    }
+    mDevice.setVendorPresent(mIn.u8() % 8 != 7);
+    mDevice.setQServicePresent(mIn.u8() % 8 != 7);
+    mDevice.qservice()->setAnswer(303, 0);
+    mDevice.qservice()->setAnswer(304, 0);
+    for (int i = 0; i < kRegionCount; ++i) mPhone.resizeRegion(i, mIn.pick(kRegionSizes));
+    for (auto& client : mPhone.clients) {
+        client->dead = false;
+        client->reentry = FuzzClient::Reentry::None;
+    }
+    gReentryBudget = 16;
+    if (mIn.u8() % 8 != 7) boot();
+}
+
+void Session::boot() {
+    if (mComposer != nullptr) return;
+    mComposer = std::make_unique<host::device::Composer>();
+    mComposer->boot();
+    mService = mComposer->proxy().service();
+    gService = mService;
+}
+
+void Session::play() {
+    for (int i = 0; i < kMaxOperations && !mIn.empty(); ++i) runOne();
+}
+
+void Session::tearDown() {
+    gService.reset();
+    mService.reset();
+    host::binder::removeService(kServiceInstance);
+    mComposer.reset();
+    // Completions still held by the vendor would reach no one now.
+    mDevice.displayConfig()->setManualCompletion(false);
+    mDevice.displayConfig()->dropPending();
+    mDevice.displayConfig()->clearOutcomes();
+    mDevice.displayConfig()->clearRequests();
+    mDevice.qservice()->clearCommands();
+    mDevice.setVendorPresent(true);
+    mDevice.setQServicePresent(true);
+    std::error_code ec;
+    std::filesystem::remove_all(mDevice.hostPath(host::device::Device::kDumpDir), ec);
+    // Whatever the input allocated goes before it ends: libFuzzer replays an input that leaves
+    // more allocations than it found, to look for leaks.
+    host::properties::clear();
+    host::log::clear();
+    host::sandbox::resetCounts();
+    mDevice.setPanelModes(PanelId::Main, kMainModes[0]);
+    mDevice.setPanelModes(PanelId::Secondary, kSecondaryModes[0]);
+    // A destroyed service leaves no capture buffer behind.
+    if (host::gralloc::liveBuffers() != 0) {
+        fprintf(stderr, "%zu capture buffers outlive the service\n", host::gralloc::liveBuffers());
+        abort();
+    }
+}
+
+void Session::runOne() {
+    const uint8_t op = mIn.u8();
+    if (op < 128) {
+        if (mService == nullptr) {
+            boot();
+            return;
+        }
+        clientCall(op);
+    } else if (op < 192) {
+        hostEvent(op);
+    } else {
+        phoneChange(op);
+    }
+}
+
+void Session::clientCall(uint8_t op) {
+    CwbService& s = *mService;
+    Error error = Error::NONE;
+    switch (op % 18) {
+        case 0: {
+            Rgb rgb;
+            s.getRGBValue(rect(mIn), &rgb, &error);
+            checkError(error, true);
+            break;
+        }
+        case 1: {
+            std::vector<float> lumas;
+            s.getLumasValue(rect(mIn), &lumas, &error);
+            checkError(error);
+            if (lumas.size() != 1) abort();
+            break;
+        }
         case 2: {
-            static constexpr int32_t kIds[] = {2, 3, 5, 5, 5, 0};
-            const uint8_t pick = in.u8();
-            const int32_t id = pick < 250 ? kIds[pick % 6] : in.i32();
-            // Arguments are read one by one: their evaluation order in a call is unspecified.
-            const Rect r = in.rect();
-            const ndk::ScopedFileDescriptor& fd = p.regions[in.u8() % 2];
-            const int32_t bufferSize = in.size();
-            std::vector<int32_t> values;
-            s.getSharedData(id, r, fd, bufferSize, &values, &error);
+            Histogram histogram;
+            s.getHistogramValue(rect(mIn), &histogram, &error);
+            checkError(error);
             break;
         }
         case 3: {
-            const uint8_t pick = in.u8() % 3;
-            const ndk::ScopedFileDescriptor& fd = pick == 2 ? p.none : p.regions[pick];
-            const int32_t size = in.size();
-            s.initializeSharedMemory(0, size, fd, &error);
+            bool status = false;
+            s.getCwbPostProcessStatus(&status);
             break;
         }
         case 4:
-            s.releaseSharedMemory(0, 0, &error);
+            s.setCwbPostProcessStatus(mIn.flag(), &error);
             break;
         case 5:
-            p.composer->layerChange();
-            break;
         case 6: {
-            const uint64_t display = in.u8() % 2 ? 3 : 0;
-            p.composer->powerMode(display, in.u8() % 4);
+            const uint8_t pick = mIn.u8() % (kClientCount + 1);
+            std::shared_ptr<ICwbCallback> client;
+            if (pick < kClientCount) client = mPhone.clients[pick];
+            if (op % 18 == 5) {
+                s.registerCallback(client, &error);
+            } else {
+                s.unregisterCallback(client, &error);
+            }
             break;
         }
         case 7: {
-            std::vector<int32_t> values;
-            s.getScreenResolution(in.i32(), &values, &error);
+            bool done = false;
+            s.enable(&done);
             break;
         }
         case 8: {
-            Rgb rgb;
-            s.getRGBValue(in.rect(), &rgb, &error);
+            bool done = false;
+            s.disable(&done);
             break;
         }
         case 9: {
-            std::vector<float> lumas;
-            s.getLumasValue(in.rect(), &lumas, &error);
+            static const int32_t kDebug[] = {0, 1, -1, 2, INT_MIN};
+            std::vector<int32_t> debug(mIn.u8() % 5);
+            for (int32_t& value : debug) value = mIn.pick(kDebug);
+            s.setDebug(debug, &error);
             break;
         }
-        case 10: {
-            Histogram histogram;
-            s.getHistogramValue(in.rect(), &histogram, &error);
+        case 10:
+        case 11: {
+            const uint8_t pick = mIn.u8();
+            const int32_t id = pick < 250 ? static_cast<int8_t>(pick) % 17 : mIn.i32();
+            const Rect r = rect(mIn);
+            std::vector<int32_t> values;
+            s.getCwbValue(id, r, &values, &error);
+            checkError(error);
             break;
         }
-        case 11:
-            if (in.u8() % 4 == 0) {
-                p.device->setAplFile(std::nullopt);
-            } else {
-                p.device->setAplFile(in.text(200));
-            }
-            break;
         case 12: {
-            p.device->qservice()->setAnswer(303, in.i32());
-            p.device->qservice()->setAnswer(304, in.i32());
-            const uint64_t display = in.u8() % 2 ? 3 : 0;
-            p.composer->colorMode(display, 7, 300 + in.u8() % 10);
+            const int32_t id = mIn.i32();
+            s.reserved(id, mIn.i32());
             break;
         }
         case 13: {
+            const uint8_t pick = mIn.u8();
+            const int32_t declared = size(mIn);
+            // Unless asked for, the file holds what the service is told it holds.
+            if (!mPhone.undersizedRegions && pick % 7 < kRegionCount) {
+                const int64_t needed = std::min<int64_t>(declared, kMaxRegionBytes);
+                if (mPhone.regionBytes[pick % 7] < needed) mPhone.resizeRegion(pick % 7, needed);
+            }
+            s.initializeSharedMemory(0, declared, mPhone.descriptor(pick), &error);
+            break;
+        }
+        case 14: {
+            static const int32_t kIds[] = {5, 2, 3, 0, 1, 4};
+            const uint8_t pick = mIn.u8();
+            const int32_t id = pick < 250 ? kIds[pick % 6] : mIn.i32();
+            const Rect r = rect(mIn);
+            const ndk::ScopedFileDescriptor& fd = mPhone.descriptor(mIn.u8());
+            const int32_t bufferSize = size(mIn);
+            std::vector<int32_t> values;
+            s.getSharedData(id, r, fd, bufferSize, &values, &error);
+            checkError(error);
+            break;
+        }
+        case 15: {
+            std::vector<int32_t> values;
+            s.getScreenResolution(mIn.i32(), &values, &error);
+            if (values.size() != 2) abort();
+            break;
+        }
+        case 16:
+            s.releaseSharedMemory(mIn.i32(), mIn.i32(), &error);
+            break;
+        case 17: {
             int loading = 0;
             s.getDisplayPanelLoading(&loading);
             break;
         }
-        case 14: {
-            const uint64_t display = in.u8() % 2 ? 3 : 0;
-            p.composer->configChange(display, in.u8());
+    }
+}
+
+void Session::hostEvent(uint8_t op) {
+    if (mComposer == nullptr) {
+        // Events before boot go to a proxy with no service, as they may on a device.
+        host::device::Composer early;
+        early.layerChange();
+        early.powerMode(0, 2);
+        return;
+    }
+    host::device::Composer& c = *mComposer;
+    switch (op % 12) {
+        case 0:
+        case 1:
+            c.layerChange();
+            break;
+        case 2: {
+            const uint64_t display = mIn.pick(kDisplays);
+            c.powerMode(display, mIn.pick(kPowerModes));
             break;
         }
-        case 15:
-            s.setDebug({in.u8() % 2, 0, -1}, &error);
+        case 3: {
+            const uint64_t display = mIn.pick(kDisplays);
+            c.configChange(display, mIn.u8() < 240 ? mIn.u8() % 4 : mIn.i32());
+            break;
+        }
+        case 4:
+            c.updateConfigs();
+            break;
+        case 5: {
+            static const int kModes[] = {7, 0, -1, 9};
+            static const int kIntents[] = {300, 303, 304, 307, 308, 0, -1};
+            const uint64_t display = mIn.pick(kDisplays);
+            const int mode = mIn.pick(kModes);
+            c.colorMode(display, mode, mIn.pick(kIntents));
+            break;
+        }
+        case 6:
+            c.aodLayer(mIn.flag());
+            break;
+        case 7:
+            c.fodLayer(mIn.flag());
+            break;
+        case 8:
+            c.status(mIn.flag());
+            break;
+        case 9:
+            host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
+            break;
+        case 10: {
+            // The operations the service exports to its host besides the proxy's events.
+            CwbService& s = *mService;
+            switch (mIn.u8() % 5) {
+                case 0:
+                    s.clearCache();
+                    break;
+                case 1: {
+                    uint32_t width = 0;
+                    uint32_t height = 0;
+                    s.getResolution(width, height);
+                    break;
+                }
+                case 2:
+                    s.generateCookie();
+                    break;
+                case 3:
+                    s.captureScreenAllowed();
+                    break;
+                default: {
+                    Rect checked;
+                    s.checkInputRect(rect(mIn), checked);
+                    break;
+                }
+            }
+            break;
+        }
+        case 11: {
+            // A completion through the vendor's legacy callback, whether or not one is awaited.
+            static const int32_t kErrors[] = {0, -1, 3};
+            mService->NotifyCWBBufferDone(mIn.pick(kErrors), nullptr);
+            break;
+        }
+    }
+}
+
+void Session::phoneChange(uint8_t op) {
+    auto& vendor = *mDevice.displayConfig();
+    const PanelId panel = mIn.flag() ? PanelId::Secondary : PanelId::Main;
+    switch (op % 14) {
+        case 0:
+        case 1:
+            host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
+            break;
+        case 2: {
+            // A resolution change: new modes, then the composer tells the service.
+            const uint8_t pick = mIn.u8();
+            if (panel == PanelId::Main) {
+                vendor.setPanelModes(panel, kMainModes[pick % 7]);
+            } else {
+                vendor.setPanelModes(panel, kSecondaryModes[pick % 4]);
+            }
+            if (mComposer != nullptr) mComposer->updateConfigs();
+            break;
+        }
+        case 3:
+            vendor.setActiveMode(panel, mIn.u8() % 4);
+            break;
+        case 4:
+            setFrame(mDevice, mIn, panel);
+            break;
+        case 5: {
+            static const Outcome kOutcomes[] = {Outcome::Error, Outcome::Drop, Outcome::Refuse,
+                                                Outcome::Ok};
+            static const int32_t kErrors[] = {-1, -22, 1, 0};
+            const Outcome outcome = mIn.pick(kOutcomes);
+            vendor.pushOutcome(outcome, mIn.pick(kErrors));
+            break;
+        }
+        case 6:
+            // Completions held back arrive late, after their request gave up.
+            vendor.setManualCompletion(mIn.flag());
+            break;
+        case 7: {
+            static const int32_t kErrors[] = {0, -1, -22, 5};
+            vendor.completeNext(mIn.pick(kErrors));
+            break;
+        }
+        case 8:
+            mDevice.setVendorPresent(mIn.flag());
+            break;
+        case 9:
+            mDevice.setQServicePresent(mIn.flag());
+            break;
+        case 10: {
+            static const uint32_t kCodes[] = {303, 304};
+            static const int32_t kAnswers[] = {1, 0, 2000, 1250, 1249, 800, 799, 1, INT_MAX, -1};
+            const uint32_t code = mIn.pick(kCodes);
+            mDevice.qservice()->setAnswer(code, mIn.pick(kAnswers));
+            break;
+        }
+        case 11:
+            mPhone.setApl(aplText(mIn));
+            break;
+        case 12: {
+            auto& client = *mPhone.clients[mIn.u8() % kClientCount];
+            const uint8_t pick = mIn.u8();
+            if (pick % 8 == 7) {
+                client.dead = !client.dead;
+            } else {
+                client.reentry = static_cast<FuzzClient::Reentry>(pick % 7);
+            }
+            break;
+        }
+        case 13:
+            switch (mIn.u8() % 7) {
+                case 0:
+                    host::gralloc::failAllocations(1);
+                    break;
+                case 1:
+                    host::gralloc::failAllocationsLeavingHandle(1);
+                    break;
+                case 2:
+                    host::gralloc::failLocks(1);
+                    break;
+                case 3:
+                    host::gralloc::reportFormat(mIn.flag() ? 1 : -1);
+                    break;
+                case 4:
+                    host::gralloc::setRowAlignment(mIn.pick(kRowAlignments));
+                    break;
+                default:
+                    if (mPhone.undersizedRegions) {
+                        mPhone.resizeRegion(mIn.u8() % kRegionCount, mIn.pick(kRegionSizes));
+                    }
+                    break;
+            }
             break;
     }
 }
 
 }  // namespace
 
-// CWB_FUZZ_ECHO=1 prints every log line of the service, to see what an input reaches.
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
     const char* echo = getenv("CWB_FUZZ_ECHO");
     host::log::setEcho(echo != nullptr && echo[0] == '1');
+    phone();
     return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    Phone& p = phone();
-    host::log::clear();
-    Bytes in(data, size);
-    int featureRequests = 0;
-    for (int i = 0; i < kMaxOperations && !in.empty(); ++i) runOne(p, in, featureRequests);
-    // Each input starts from the same service state as far as a client can restore it.
-    Error error = Error::NONE;
-    p.service->releaseSharedMemory(0, 0, &error);
-    p.service->setDebug({0, 0, -1}, &error);
-    p.composer->layerChange();
-    aidl::vendor::zarel::hardware::cwb::implementation::mLightModeID = 2;
+    FuzzBytes in(data, size);
+    Session session(phone(), in);
+    session.setUp();
+    session.play();
+    session.tearDown();
     return 0;
 }

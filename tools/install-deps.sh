@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(
     build-essential cmake ninja-build pkg-config
-    clang clang-format libc++-14-dev libc++abi-14-dev
+    clang clang-format libc++-14-dev libc++abi-14-dev libclang-rt-14-dev
     libgtest-dev libgmock-dev libbenchmark-dev libpng-dev
 )
 packages+=("$@")

@@ -77,6 +77,7 @@ struct SimulatedDisplayConfig::Engine {
     std::optional<std::chrono::nanoseconds> latency;
     std::deque<std::pair<Outcome, int32_t>> outcomes;
     bool manual = false;
+    bool synchronous = false;
     bool stopping = false;
     std::deque<std::unique_ptr<Request>> queue;
     std::vector<BufferId> inFlight;
@@ -93,6 +94,12 @@ struct SimulatedDisplayConfig::Engine {
                               int32_t displayType, const config::Rect& rect, bool postProcessed,
                               const NativeHandle& buffer);
     void loop();
+    // The front request may be completed now: released, or due and not held by manual mode.
+    bool frontReady() const;
+    // Completes the front request; the lock is released around the writing and the callback.
+    void completeFront(std::unique_lock<std::mutex>& lock);
+    // Completes on the caller's thread every request that may complete now (synchronous mode).
+    void drain();
     void shutdown();
 };
 
@@ -197,14 +204,16 @@ binder_exception_t SimulatedDisplayConfig::Engine::accept(
     request->error = outcome.second;
     queue.push_back(std::move(request));
     inFlight.push_back(id);
-    wake.notify_all();
+    // In synchronous mode the caller completes it; waking the idle thread would only cost a
+    // context switch per request.
+    if (!synchronous) wake.notify_all();
     return EX_NONE;
 }
 
 void SimulatedDisplayConfig::Engine::loop() {
     std::unique_lock<std::mutex> lock(mutex);
     while (!stopping) {
-        if (queue.empty()) {
+        if (queue.empty() || synchronous) {
             wake.wait(lock);
             continue;
         }
@@ -219,52 +228,64 @@ void SimulatedDisplayConfig::Engine::loop() {
                 continue;
             }
         }
-        std::unique_ptr<Request> request = std::move(queue.front());
-        queue.pop_front();
-        ++inProgress;
-
-        int32_t error = 0;
-        bool write = true;
-        if (request->released) {
-            error = request->releasedError;
-            write = error >= 0;
-        } else if (request->outcome == Outcome::Error) {
-            error = request->error;
-            write = false;
-        }
-        // The picture on screen when the writeback happens, not when it was asked for.
-        Panel& source = panel(request->panel);
-        std::shared_ptr<const Frame> frame =
-                request->postProcessed && source.post != nullptr ? source.post : source.mixer;
-        const PanelMode mode =
-                source.modes.empty() ? PanelMode{0, 0, 0} : source.modes[source.active];
-        const int blackWidth = mode.width;
-        const int blackHeight = mode.height;
-        lock.unlock();
-
-        if (write) {
-            const int32_t status =
-                    writePixels(request->fd.get(), request->width, request->height, request->pitch,
-                                request->size, request->rect, frame.get(), blackWidth, blackHeight);
-            if (status != 0) error = status;
-        }
-        request->fd.reset();
-        std::shared_ptr<config::IDisplayConfigCallback> callback = std::move(request->callback);
-        const BufferId id = request->id;
-        request.reset();
-        frame.reset();
-
-        lock.lock();
-        // The buffer is the client's again before it hears about it.
-        inFlight.erase(std::remove(inFlight.begin(), inFlight.end(), id), inFlight.end());
-        lock.unlock();
-        callback->notifyCWBBufferDone(error, NativeHandle{});
-        callback.reset();
-        lock.lock();
-        --inProgress;
-        ++completions;
-        completed.notify_all();
+        completeFront(lock);
     }
+}
+
+bool SimulatedDisplayConfig::Engine::frontReady() const {
+    return !stopping && !queue.empty() && (queue.front()->released || !manual);
+}
+
+void SimulatedDisplayConfig::Engine::drain() {
+    std::unique_lock<std::mutex> lock(mutex);
+    while (synchronous && frontReady()) completeFront(lock);
+}
+
+void SimulatedDisplayConfig::Engine::completeFront(std::unique_lock<std::mutex>& lock) {
+    std::unique_ptr<Request> request = std::move(queue.front());
+    queue.pop_front();
+    ++inProgress;
+
+    int32_t error = 0;
+    bool write = true;
+    if (request->released) {
+        error = request->releasedError;
+        write = error >= 0;
+    } else if (request->outcome == Outcome::Error) {
+        error = request->error;
+        write = false;
+    }
+    // The picture on screen when the writeback happens, not when it was asked for.
+    Panel& source = panel(request->panel);
+    std::shared_ptr<const Frame> frame =
+            request->postProcessed && source.post != nullptr ? source.post : source.mixer;
+    const PanelMode mode = source.modes.empty() ? PanelMode{0, 0, 0} : source.modes[source.active];
+    const int blackWidth = mode.width;
+    const int blackHeight = mode.height;
+    lock.unlock();
+
+    if (write) {
+        const int32_t status =
+                writePixels(request->fd.get(), request->width, request->height, request->pitch,
+                            request->size, request->rect, frame.get(), blackWidth, blackHeight);
+        if (status != 0) error = status;
+    }
+    request->fd.reset();
+    std::shared_ptr<config::IDisplayConfigCallback> callback = std::move(request->callback);
+    const BufferId id = request->id;
+    request.reset();
+    frame.reset();
+
+    lock.lock();
+    // The buffer is the client's again before it hears about it.
+    inFlight.erase(std::remove(inFlight.begin(), inFlight.end(), id), inFlight.end());
+    lock.unlock();
+    callback->notifyCWBBufferDone(error, NativeHandle{});
+    callback.reset();
+    lock.lock();
+    --inProgress;
+    ++completions;
+    completed.notify_all();
 }
 
 void SimulatedDisplayConfig::Engine::shutdown() {
@@ -369,6 +390,7 @@ ndk::ScopedAStatus SimulatedDisplayConfig::setCWBOutputBuffer(
         observer = mEngine->observer;
     }
     if (observer) observer(record);
+    mEngine->drain();
     if (record.result == EX_NONE) return ndk::ScopedAStatus::ok();
     return ndk::ScopedAStatus::fromExceptionCode(record.result);
 }
@@ -399,10 +421,15 @@ uint32_t SimulatedDisplayConfig::activeMode(PanelId panel) const {
 }
 
 void SimulatedDisplayConfig::setFrame(PanelId panel, FrameKind kind, Frame frame) {
-    auto shared = std::make_shared<const Frame>(std::move(frame));
+    setFrame(panel, kind, std::make_shared<const Frame>(std::move(frame)));
+}
+
+void SimulatedDisplayConfig::setFrame(PanelId panel, FrameKind kind,
+                                      std::shared_ptr<const Frame> frame) {
     std::lock_guard<std::mutex> lock(mEngine->mutex);
     Engine::Panel& p = mEngine->panel(panel);
-    (kind == FrameKind::Mixer ? p.mixer : p.post) = std::move(shared);
+    (kind == FrameKind::Mixer ? p.mixer : p.post).swap(frame);
+    // The previous picture goes when frame does, after the lock.
 }
 
 void SimulatedDisplayConfig::clearFrame(PanelId panel, FrameKind kind) {
@@ -430,19 +457,45 @@ void SimulatedDisplayConfig::clearOutcomes() {
 void SimulatedDisplayConfig::setManualCompletion(bool manual) {
     std::lock_guard<std::mutex> lock(mEngine->mutex);
     mEngine->manual = manual;
-    mEngine->wake.notify_all();
+    if (!mEngine->synchronous) mEngine->wake.notify_all();
 }
 
 bool SimulatedDisplayConfig::completeNext(int32_t error) {
-    std::lock_guard<std::mutex> lock(mEngine->mutex);
-    for (auto& request : mEngine->queue) {
-        if (request->released) continue;
-        request->released = true;
-        request->releasedError = error;
-        mEngine->wake.notify_all();
-        return true;
+    {
+        std::lock_guard<std::mutex> lock(mEngine->mutex);
+        auto it = std::find_if(mEngine->queue.begin(), mEngine->queue.end(),
+                               [](const auto& request) { return !request->released; });
+        if (it == mEngine->queue.end()) return false;
+        (*it)->released = true;
+        (*it)->releasedError = error;
+        if (!mEngine->synchronous) mEngine->wake.notify_all();
     }
-    return false;
+    mEngine->drain();
+    return true;
+}
+
+size_t SimulatedDisplayConfig::dropPending() {
+    std::deque<std::unique_ptr<Engine::Request>> dropped;
+    {
+        std::lock_guard<std::mutex> lock(mEngine->mutex);
+        dropped.swap(mEngine->queue);
+        for (const auto& request : dropped) {
+            mEngine->inFlight.erase(
+                    std::remove(mEngine->inFlight.begin(), mEngine->inFlight.end(), request->id),
+                    mEngine->inFlight.end());
+        }
+    }
+    // Closing the duplicates and releasing callbacks happens outside the lock.
+    return dropped.size();
+}
+
+void SimulatedDisplayConfig::setSynchronousCompletion(bool synchronous) {
+    {
+        std::lock_guard<std::mutex> lock(mEngine->mutex);
+        mEngine->synchronous = synchronous;
+        mEngine->wake.notify_all();
+    }
+    mEngine->drain();
 }
 
 size_t SimulatedDisplayConfig::pendingCount() const {

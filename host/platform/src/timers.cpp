@@ -1,4 +1,5 @@
-// libutils timer stand-in on the host's kernel clocks.
+// libutils timer stand-in on the host's kernel clocks, or on the manual clock of <host/clock.h>.
+#include <host/clock.h>
 #include <time.h>
 #include <utils/Timers.h>
 
@@ -22,6 +23,8 @@ nsecs_t systemTime(int clock) {
             id = CLOCK_MONOTONIC;
             break;
     }
+    int64_t manual = 0;
+    if (host::clock::manualTime(id, &manual)) return manual;
     timespec t{};
     clock_gettime(id, &t);
     return static_cast<nsecs_t>(t.tv_sec) * 1000000000LL + t.tv_nsec;

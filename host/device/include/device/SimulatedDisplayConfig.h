@@ -72,6 +72,8 @@ class SimulatedDisplayConfig : public config::BnDisplayConfig {
     // Until a frame is set the panel shows black at its active mode's size. Without a
     // post-processed frame the post-processed output equals the mixer output.
     void setFrame(PanelId panel, FrameKind kind, Frame frame);
+    // The same without a copy, for a picture shown again and again.
+    void setFrame(PanelId panel, FrameKind kind, std::shared_ptr<const Frame> frame);
     void clearFrame(PanelId panel, FrameKind kind);
 
     // Time from an accepted request to its completion; nullopt is one vsync period of the
@@ -88,6 +90,15 @@ class SimulatedDisplayConfig : public config::BnDisplayConfig {
     bool completeNext(int32_t error = 0);
     // Accepted requests not yet completed (including one being completed right now).
     size_t pendingCount() const;
+    // Forgets every accepted request not yet completed, without completing it, as a vendor that
+    // restarted would. Returns how many were forgotten.
+    size_t dropPending();
+
+    // While on, completions are delivered on the caller's thread and latency is ignored:
+    // setCWBOutputBuffer completes the requests it can (all of them unless manual completion
+    // holds them) before it returns, and so does completeNext. For one driving thread with a
+    // manual clock (the fuzzers): nothing then depends on the completion thread's timing.
+    void setSynchronousCompletion(bool synchronous);
 
     // Called on the caller's thread at the end of every setCWBOutputBuffer call, after the
     // request is queued, so a test can act between the call and the caller's wait.
