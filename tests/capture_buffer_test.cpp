@@ -22,7 +22,8 @@ class CaptureBufferTest : public CaptureTest {
 
 // RGBA_8888 is reported for the RGB_888 buffers: logged per allocation, the buffer kept anyway.
 TEST_F(CaptureBufferTest, MadeOncePerResolutionAndReplacedWhenItChanges) {
-    device->setPanelModes(PanelId::Main, {{1080, 2400, kVsync60}, {1440, 3200, kVsync60}});
+    device->setPanelModes(PanelId::Main,
+                          {{1080, 2400, kVsync60}, {1440, 3200, kVsync60}, {1080, 2340, kVsync60}});
     gralloc::reportFormat(1);
     bootOn();
     ASSERT_EQ(0, capture());
@@ -48,8 +49,15 @@ TEST_F(CaptureBufferTest, MadeOncePerResolutionAndReplacedWhenItChanges) {
     ASSERT_EQ(0, capture());
     EXPECT_EQ(1088u, peer->buffer(false).width);
     EXPECT_EQ(3u, gralloc::allocationCount());
+
+    // Only the height changes: still a new buffer.
+    composer->configChange(0, 2);
+    ASSERT_TRUE(device->setActiveMode(PanelId::Main, 2));
+    ASSERT_EQ(0, capture());
+    EXPECT_EQ(2340u, peer->buffer(false).height);
+    EXPECT_EQ(4u, gralloc::allocationCount());
     EXPECT_EQ(1u, liveNow());
-    EXPECT_EQ(3u, logCount(ANDROID_LOG_ERROR, "Format error."));
+    EXPECT_EQ(4u, logCount(ANDROID_LOG_ERROR, "Format error."));
 }
 
 struct FailureCase {
