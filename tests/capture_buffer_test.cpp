@@ -8,6 +8,8 @@ namespace cwbtest {
 namespace {
 
 namespace gralloc = host::gralloc;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbBufferInfo;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 
 class CaptureBufferTest : public CaptureTest {
   protected:
@@ -144,6 +146,39 @@ TEST_F(CaptureBufferTest, OnlyTheSelectedDisplaysBufferIsMadeOrFreed) {
     host::binder::resetRegistry();
     EXPECT_EQ(0u, liveNow());
     EXPECT_EQ(3u, gralloc::freeCount());
+}
+
+// The check every pass makes before reading a buffer: 720 x 1600 at a 768-pixel pitch.
+TEST(CaptureBufferBounds, RectangleAndLayoutMustFitTheBuffer) {
+    uint8_t byte = 0;
+    const CwbBufferInfo good{&byte, 0, 768u * 1600 * 3, 768, 720, 1600};
+    auto with = [&](auto change) {
+        CwbBufferInfo info = good;
+        change(info);
+        return info;
+    };
+    const struct {
+        CwbBufferInfo info;
+        Rect r;
+        bool inside;
+    } cases[] = {
+            {good, rect(0, 0, 720, 1600), true},
+            {good, rect(719, 1599, 720, 1600), true},
+            {good, rect(0, 0, 721, 10), false},
+            {good, rect(0, 0, 10, 1601), false},
+            {good, rect(-1, 0, 10, 10), false},
+            {good, rect(0, -1, 10, 10), false},
+            {good, rect(10, 0, 10, 10), false},
+            {good, rect(0, 10, 10, 10), false},
+            {with([](auto& i) { i.base = nullptr; }), rect(0, 0, 1, 1), false},
+            {with([](auto& i) { i.width = 719; }), rect(0, 0, 1, 1), false},
+            {with([](auto& i) { i.size -= 1; }), rect(0, 0, 1, 1), false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.inside, CwbServiceTestPeer::rectInsideBuffer(c.info, c.r))
+                << c.r.left << "," << c.r.top << "," << c.r.right << "," << c.r.bottom << " pitch "
+                << c.info.width << " size " << c.info.size;
+    }
 }
 
 }  // namespace
