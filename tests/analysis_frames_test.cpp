@@ -94,17 +94,15 @@ TEST_P(AnalysisFrames, KnownFrameFreshThenCached) {
     // RGB follows the post-process setting (off), luma never post-processes, histogram always.
     const auto requests = device->displayConfig()->requests();
     ASSERT_EQ(3u, requests.size());
-    for (const auto& request : requests) EXPECT_EQ(1, request.displayType);
-    EXPECT_FALSE(requests[0].postProcessed);
-    EXPECT_FALSE(requests[1].postProcessed);
-    EXPECT_TRUE(requests[2].postProcessed);
-    EXPECT_EQ(1u, peer->cacheSize(0));
-    EXPECT_EQ(1u, peer->cacheSize(1));
-    EXPECT_EQ(1u, peer->cacheSize(2));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(1, requests[i].displayType);
+        EXPECT_EQ(i == 2, requests[i].postProcessed) << i;
+        EXPECT_EQ(1u, peer->cacheSize(i)) << i;
+    }
 }
 
 // Fractions 0.33333, 0.12345, 0.66667, 0.54321 scale in single precision and truncate: 359.9964
-// becomes 359, not 360.
+// becomes 359, not 360. The other turns are the rectangle conversion's, tested on their own.
 const Rect kFractions = rect(frac(33333), frac(12345), frac(66667), frac(54321));
 
 INSTANTIATE_TEST_SUITE_P(
@@ -112,16 +110,10 @@ INSTANTIATE_TEST_SUITE_P(
         ::testing::Values(
                 FrameCase{"Pixels", 0, rect(100, 200, 300, 400), rect(100, 200, 300, 400)},
                 FrameCase{"QuarterTurn", 1, rect(100, 200, 300, 400), rect(680, 100, 880, 300)},
-                FrameCase{"HalfTurn", 2, rect(100, 200, 300, 400), rect(780, 2000, 980, 2200)},
-                FrameCase{"ThreeQuarterTurn", 3, rect(100, 200, 300, 400),
-                          rect(200, 2100, 400, 2300)},
                 FrameCase{"QuarterFractions", 0,
                           rect(frac(25000), frac(25000), frac(75000), frac(75000)),
                           rect(270, 600, 810, 1800)},
-                FrameCase{"Fractions", 0, kFractions, rect(359, 296, 720, 1303)},
-                FrameCase{"FractionsQuarterTurn", 1, kFractions, rect(494, 799, 947, 1600)},
-                FrameCase{"FractionsHalfTurn", 2, kFractions, rect(360, 1097, 721, 2104)},
-                FrameCase{"FractionsThreeQuarterTurn", 3, kFractions, rect(133, 800, 586, 1601)}),
+                FrameCase{"Fractions", 0, kFractions, rect(359, 296, 720, 1303)}),
         [](const auto& info) { return std::string(info.param.name); });
 
 // The secondary panel (720 x 1600, a quarter turn): RGB reads its frame; luma and histogram read

@@ -8,6 +8,8 @@ namespace cwbtest {
 namespace {
 
 namespace gralloc = host::gralloc;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbBufferInfo;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 
 class CaptureBufferTest : public CaptureTest {
   protected:
@@ -22,7 +24,8 @@ class CaptureBufferTest : public CaptureTest {
 
 // RGBA_8888 is reported for the RGB_888 buffers: logged per allocation, the buffer kept anyway.
 TEST_F(CaptureBufferTest, MadeOncePerResolutionAndReplacedWhenItChanges) {
-    device->setPanelModes(PanelId::Main, {{1080, 2400, kVsync60}, {1440, 3200, kVsync60}});
+    device->setPanelModes(PanelId::Main,
+                          {{1080, 2400, kVsync60}, {1440, 3200, kVsync60}, {1080, 2340, kVsync60}});
     gralloc::reportFormat(1);
     bootOn();
     ASSERT_EQ(0, capture());
@@ -48,8 +51,15 @@ TEST_F(CaptureBufferTest, MadeOncePerResolutionAndReplacedWhenItChanges) {
     ASSERT_EQ(0, capture());
     EXPECT_EQ(1088u, peer->buffer(false).width);
     EXPECT_EQ(3u, gralloc::allocationCount());
+
+    // Only the height changes: still a new buffer.
+    composer->configChange(0, 2);
+    ASSERT_TRUE(device->setActiveMode(PanelId::Main, 2));
+    ASSERT_EQ(0, capture());
+    EXPECT_EQ(2340u, peer->buffer(false).height);
+    EXPECT_EQ(4u, gralloc::allocationCount());
     EXPECT_EQ(1u, liveNow());
-    EXPECT_EQ(3u, logCount(ANDROID_LOG_ERROR, "Format error."));
+    EXPECT_EQ(4u, logCount(ANDROID_LOG_ERROR, "Format error."));
 }
 
 struct FailureCase {
@@ -136,6 +146,39 @@ TEST_F(CaptureBufferTest, OnlyTheSelectedDisplaysBufferIsMadeOrFreed) {
     host::binder::resetRegistry();
     EXPECT_EQ(0u, liveNow());
     EXPECT_EQ(3u, gralloc::freeCount());
+}
+
+// The check every pass makes before reading a buffer: 720 x 1600 at a 768-pixel pitch.
+TEST(CaptureBufferBounds, RectangleAndLayoutMustFitTheBuffer) {
+    uint8_t byte = 0;
+    const CwbBufferInfo good{&byte, 0, 768u * 1600 * 3, 768, 720, 1600};
+    auto with = [&](auto change) {
+        CwbBufferInfo info = good;
+        change(info);
+        return info;
+    };
+    const struct {
+        CwbBufferInfo info;
+        Rect r;
+        bool inside;
+    } cases[] = {
+            {good, rect(0, 0, 720, 1600), true},
+            {good, rect(719, 1599, 720, 1600), true},
+            {good, rect(0, 0, 721, 10), false},
+            {good, rect(0, 0, 10, 1601), false},
+            {good, rect(-1, 0, 10, 10), false},
+            {good, rect(0, -1, 10, 10), false},
+            {good, rect(10, 0, 10, 10), false},
+            {good, rect(0, 10, 10, 10), false},
+            {with([](auto& i) { i.base = nullptr; }), rect(0, 0, 1, 1), false},
+            {with([](auto& i) { i.width = 719; }), rect(0, 0, 1, 1), false},
+            {with([](auto& i) { i.size -= 1; }), rect(0, 0, 1, 1), false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.inside, CwbServiceTestPeer::rectInsideBuffer(c.info, c.r))
+                << c.r.left << "," << c.r.top << "," << c.r.right << "," << c.r.bottom << " pitch "
+                << c.info.width << " size " << c.info.size;
+    }
 }
 
 }  // namespace

@@ -18,6 +18,8 @@ struct RectCase {
 const Rect kSq = rect(100, 200, 300, 400);
 // Fractions with the low 24 bits in units of 1/100000; bits 24..30 carry nothing.
 const Rect kQuarters = rect(frac(25000), frac(25000), frac(75000), frac(75000));
+// 0.33333, 0.12345, 0.66667, 0.54321: scaled in single precision, then truncated.
+const Rect kThirds = rect(frac(33333), frac(12345), frac(66667), frac(54321));
 const Rect kQuartersHighBits = rect(0xFF0061A8u, 0x800061A8u, 0xFF0124F8u, 0xC10124F8u);
 const Rect kNo{};
 const std::string kUnknownRotation = "E Unkonwn rotation value !";
@@ -42,6 +44,9 @@ const RectCase kRects[] = {
     {"ZeroWidth", 0, 0, false, rect(100, 100, 100, 200), kNo, {err(100, 100, 100, 200)}},
     {"ZeroHeight", 0, 0, false, rect(100, 100, 200, 100), kNo, {err(100, 100, 200, 100)}},
     {"Inverted", 2, 0, false, rect(300, 200, 100, 400), kNo, {err(300, 200, 100, 400)}},
+    {"ThirdsRot1", 1, 0, false, kThirds, rect(494, 799, 947, 1600), {}},
+    {"ThirdsRot2", 2, 0, false, kThirds, rect(360, 1097, 721, 2104), {}},
+    {"ThirdsRot3", 3, 0, false, kThirds, rect(133, 800, 586, 1601), {}},
     {"QuartersHighBitsIgnored", 0, 0, false, kQuartersHighBits, rect(270, 600, 810, 1800), {}},
     {"FractionAboveOne", 0, 0, false, rect(frac(0), frac(0), frac(150000), frac(50000)), kNo,
      {err(0, 0, 1620, 1200)}},

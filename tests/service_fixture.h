@@ -103,6 +103,9 @@ class CwbServiceTestPeer {
         std::lock_guard<TimedMutex> lock(s.mRequestLock);
         return sec ? s.mCwbBufferHandle_sec : s.mCwbBufferHandle;
     }
+    static bool rectInsideBuffer(const CwbBufferInfo& info, const Rect& r) {
+        return CwbService::rectInsideBuffer(info, r);
+    }
     int64_t lastCwbTime() {
         std::lock_guard<std::mutex> lock(s.mCwbMutex);
         return s.mLastCwbTime;
