@@ -21,7 +21,7 @@
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
-std::atomic<int32_t> mLightModeID{2};
+std::atomic<int32_t> mLightModeID{CWB_LEGACY_VALUE};
 
 namespace {
 
@@ -30,8 +30,6 @@ using ::aidl::android::hardware::common::NativeHandle;
 
 constexpr const char* kDisplayConfigInstance =
         "vendor.qti.hardware.display.config.IDisplayConfig/default";
-constexpr uint32_t kQServiceSetColorMode = 39;
-constexpr uint32_t kQServiceAplSetup = 302;
 
 // Forwards the vendor's writeback completions to the service for as long as the service lives.
 class CwbCallback : public dc::BnDisplayConfigCallback, public CwbCallbackBase {
@@ -231,16 +229,17 @@ void CwbService::updateCwbStatus(bool status) {
 ndk::ScopedAStatus CwbService::enable(bool* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::enable, _aidl_return);
     ALOGI("Enable Cwb function.");
-    mCwbEnabled = true;
-    notifyCwbStatus();
-    *_aidl_return = true;
-    return ndk::ScopedAStatus::ok();
+    return switchCwb(true, _aidl_return);
 }
 
 ndk::ScopedAStatus CwbService::disable(bool* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::disable, _aidl_return);
     ALOGI("Disable Cwb function.");
-    mCwbEnabled = false;
+    return switchCwb(false, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::switchCwb(bool enabled, bool* _aidl_return) {
+    mCwbEnabled = enabled;
     notifyCwbStatus();
     *_aidl_return = true;
     return ndk::ScopedAStatus::ok();
@@ -281,8 +280,8 @@ void CwbService::disablePostProcessed(bool disable) {
     if (readIntProperty("ro.vendor.zarel.display.cwb.postprocess", "0") == 0) return;
     ALOGI("%s post processed effect in AP side.\n", disable ? "Disable" : "Enable");
     if (disable) {
-        setColorMode(mDisplayIdMain, 7, 300);
-        setColorMode(mDisplayIdSec, 7, 300);
+        setColorMode(mDisplayIdMain, kColorModeNative, kRenderIntentNoPostProcess);
+        setColorMode(mDisplayIdSec, kColorModeNative, kRenderIntentNoPostProcess);
     } else {
         setColorMode(mDisplayIdMain, mColorModeMain, mRenderIntentMain);
         setColorMode(mDisplayIdSec, mColorModeSec, mRenderIntentSec);
@@ -351,7 +350,7 @@ bool CwbService::setupAvailableConfigs() {
               mConfigs.size());
         mActiveConfig = mActiveConfig % mConfigs.size();
     }
-    if (mDisplayIdSec != -1) {
+    if (mDisplayIdSec != kNoDisplay) {
         config->getConfigCount(dc::DisplayType::BUILTIN2, &count);
         if (count <= 0) return false;
         for (int32_t i = 0; i < count; ++i) {
@@ -412,10 +411,10 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
     if (!mConfigInitialized) return false;
     const std::vector<DisplayAttributes>* list = nullptr;
     uint32_t index = 0;
-    if (displayId == 0) {
+    if (displayId == kDisplayMain) {
         list = &mConfigs;
         index = mActiveConfig;
-    } else if (displayId == 3) {
+    } else if (displayId == kDisplaySecondary) {
         list = &mConfigsSec;
         index = mActiveConfigSec;
     }
@@ -427,7 +426,7 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
 
 void CwbService::getResolution(uint32_t& width, uint32_t& height) {
     const int32_t displayId = mDisplayId;
-    if (displayId != 0 && displayId != 3) return;
+    if (displayId != kDisplayMain && displayId != kDisplaySecondary) return;
     DisplayAttributes attributes{};
     activeAttributes(displayId, &attributes);
     width = static_cast<uint32_t>(attributes.xRes);
@@ -445,8 +444,8 @@ void CwbService::setPowerMode(uint64_t display, int mode) {
         ALOGI("CwbService::setPowerMode(): display %d, mode: %d", static_cast<int>(display), mode);
         mPowerModeSec = mode;
     }
-    if (mode != 1) {
-        if (mode == 0 && mDisablePostProcessed) {
+    if (mode != kPowerDoze) {
+        if (mode == kPowerOff && mDisablePostProcessed) {
             mDisablePostProcessed = false;
             disablePostProcessed(false);
         }
@@ -482,7 +481,7 @@ void CwbService::fodLayerExist(bool exist) {
 bool CwbService::captureScreenAllowed() {
     const nsecs_t now = systemTime(SYSTEM_TIME_MONOTONIC);
     std::lock_guard<std::mutex> lock(mCwbMutex);
-    const bool allowed = mLastCwbTime + 50000000 < now;
+    const bool allowed = mLastCwbTime + kCaptureGateNs < now;
     if (!allowed && mDebugLog) ALOGD("no need capturescreen\n");
     if (!allowed) mStats.count(CwbStats::Counter::RefusedGate);
     return allowed;

@@ -25,6 +25,7 @@
 #include <vector>
 
 #include "ColorTempHelper.h"
+#include "CwbConstants.h"
 #include "CwbStats.h"
 #include "GrallocHelper.h"
 #include "ResultCache.h"
@@ -33,8 +34,7 @@
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
-// Capture mode: 2 legacy (the writeback covers the analysed rectangle), 3 AI (it covers the
-// rectangle last given to getSharedData).
+// Capture mode: CWB_LEGACY_VALUE or CWB_AI_VALUE.
 extern std::atomic<int32_t> mLightModeID;
 
 // Record of one mapped capture buffer; pixels RGB_888, rows `width` pixels apart.
@@ -172,12 +172,28 @@ class CwbService : public BnCwbService,
     bool matchesMain(uint64_t display) const;
     bool matchesSec(uint64_t display) const;
     bool serviceStatus() const;
+    // enable()/disable(): stores the switch and tells every client.
+    ndk::ScopedAStatus switchCwb(bool enabled, bool* _aidl_return);
     // Captures the main or the secondary display into its buffer; displayId is the request's
     // display, whose capture buffer is prepared.
     int writeback(int32_t displayId, bool secondary, Rect rect, bool postProcessed)
             REQUIRES(mRequestLock);
     void emptyResultCaches() REQUIRES(mRequestLock);
     void selectPowerMode(int32_t displayId) REQUIRES(mRequestLock);
+    // What one analysis request states about its capture: the rest of the frame is shared.
+    struct AnalysisKind {
+        const char* name;    // trace name and the "resource busy" line
+        bool secondary;      // capture the secondary display into its own buffer
+        bool postProcessed;  // capture after the display's post-processing
+    };
+    // The frame shared by the RGB, luma and histogram requests; returns the result word. Each
+    // callable runs under mRequestLock: cached(work, &result) answers from the cache,
+    // screenOff() applies the request's screen-off rule, failed(ret) logs a failed capture and
+    // pass(buffer, work) analyses the captured rectangle.
+    template <typename Cached, typename ScreenOff, typename Failed, typename Pass>
+    int32_t analyse(int32_t displayId, const Rect& rect, const AnalysisKind& kind, Cached cached,
+                    ScreenOff screenOff, Failed failed, Pass pass) EXCLUDES(mRequestLock);
+    bool offOrAodForbidden() REQUIRES(mRequestLock);
     // The capture buffer holds the whole rectangle at a sane pitch.
     static bool rectInsideBuffer(const CwbBufferInfo& info, const Rect& rect);
     int getAiBufferFromCwb(int id, const Rect& rect, int bufferSize, std::vector<int>* values)
@@ -224,9 +240,9 @@ class CwbService : public BnCwbService,
     std::atomic<int32_t> mDisplayId{0};
     // Display of the RGB request holding mRequestLock, -1 outside one: its weights are that
     // display's. A pass run on its own weighs for mDisplayId.
-    int32_t mRequestDisplayId GUARDED_BY(mRequestLock) = -1;
-    int32_t mDisplayIdMain = -1;
-    int32_t mDisplayIdSec = -1;
+    int32_t mRequestDisplayId GUARDED_BY(mRequestLock) = kNoDisplay;
+    int32_t mDisplayIdMain = kNoDisplay;
+    int32_t mDisplayIdSec = kNoDisplay;
     std::vector<int32_t> weightspos;
     int32_t weightspos_count = 0;
     std::vector<int32_t> weightspos_sec;
@@ -249,8 +265,8 @@ class CwbService : public BnCwbService,
     std::atomic<int32_t> mPowerModeMain{0};
     std::atomic<int32_t> mPowerModeSec{0};
     int32_t mAodForbiddenCnt GUARDED_BY(mRequestLock) = 0;
-    std::atomic<int32_t> mColorModeMain{7};
-    std::atomic<int32_t> mColorModeSec{7};
+    std::atomic<int32_t> mColorModeMain{kColorModeNative};
+    std::atomic<int32_t> mColorModeSec{kColorModeNative};
     std::atomic<int32_t> mRenderIntentMain{0};
     std::atomic<int32_t> mRenderIntentSec{0};
     std::atomic<bool> mAodLayerExist{false};
