@@ -2,6 +2,7 @@
 // bytes against the simulated phone: the feature request, the shared-memory crop export, the
 // statistics and the panel readings with arbitrary ids, rectangles, sizes and descriptors.
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <device/Composer.h>
 #include <device/Device.h>
 #include <host/log_capture.h>
@@ -25,6 +26,7 @@ using aidl::vendor::zarel::hardware::cwb::Histogram;
 using aidl::vendor::zarel::hardware::cwb::Rect;
 using aidl::vendor::zarel::hardware::cwb::Rgb;
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 using host::device::Frame;
 using host::device::FrameKind;
 using host::device::PanelId;
@@ -204,7 +206,7 @@ void runOne(Phone& p, Bytes& in, int& featureRequests) {
         }
         case 13: {
             int loading = 0;
-            s.getDisplayPanelLoading(&loading);
+            CwbServiceTestPeer(s).getDisplayPanelLoading(&loading);
             break;
         }
         case 14: {

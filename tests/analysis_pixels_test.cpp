@@ -350,7 +350,7 @@ TEST_F(AnalysisPass, LumaOfEveryGreyIsItsCodeOverFullScale) {
     for (int c = 0; c < 256; ++c) {
         const uint8_t v = static_cast<uint8_t>(c);
         image.fill(1, 1, 5, 3, {v, v, v});
-        EXPECT_FLOAT_EQ(c / 255.0f, service->calcPixelsLumas(image.data(), 8, rect(1, 1, 5, 3)))
+        EXPECT_FLOAT_EQ(c / 255.0f, peer->calcPixelsLumas(image.data(), 8, rect(1, 1, 5, 3)))
                 << "grey " << c;
     }
 }
@@ -365,11 +365,11 @@ TEST_F(AnalysisPass, LumaTruncatesPerPixel) {
                                            {{200, 100, 50}, 118}};
     for (const auto& [p, y] : cases) {
         image.fill(0, 0, 4, 2, p);
-        EXPECT_FLOAT_EQ(y / 255.0f, service->calcPixelsLumas(image.data(), 4, rect(0, 0, 4, 2)))
+        EXPECT_FLOAT_EQ(y / 255.0f, peer->calcPixelsLumas(image.data(), 4, rect(0, 0, 4, 2)))
                 << int{p.r} << "," << int{p.g} << "," << int{p.b};
     }
-    EXPECT_EQ(0.0f, service->calcPixelsLumas(image.data(), 4, rect(2, 1, 2, 2)));
-    EXPECT_EQ(0.0f, service->calcPixelsLumas(image.data(), 4, rect(2, 1, 3, 1)));
+    EXPECT_EQ(0.0f, peer->calcPixelsLumas(image.data(), 4, rect(2, 1, 2, 2)));
+    EXPECT_EQ(0.0f, peer->calcPixelsLumas(image.data(), 4, rect(2, 1, 3, 1)));
 }
 
 TEST_F(AnalysisPass, HistogramCountsEveryPixelOncePerChannelAndOnlyAdds) {
@@ -382,7 +382,7 @@ TEST_F(AnalysisPass, HistogramCountsEveryPixelOncePerChannelAndOnlyAdds) {
     const Rect r = rect(2, 1, 17, 9);
     const unsigned int area = 15 * 8;
     for (int pass = 1; pass <= 2; ++pass) {
-        service->calcPixelsHistogram(image.data(), 23, r, bins);
+        peer->calcPixelsHistogram(image.data(), 23, r, bins);
         for (int ch = 0; ch < 3; ++ch) {
             unsigned int total = 0;
             for (int v = 0; v < 256; ++v) total += bins[v][ch];
@@ -396,7 +396,7 @@ TEST_F(AnalysisPass, HistogramCountsEveryPixelOncePerChannelAndOnlyAdds) {
         EXPECT_EQ(pass * (area - 2), bins[1][0]);
         EXPECT_EQ(0u, bins[kPoison][0] + bins[kPoison][1] + bins[kPoison][2]);
     }
-    service->calcPixelsHistogram(image.data(), 23, rect(5, 1, 5, 9), bins);
+    peer->calcPixelsHistogram(image.data(), 23, rect(5, 1, 5, 9), bins);
     EXPECT_EQ(2 * area, bins[1][0] + bins[10][0] + bins[255][0]);
 }
 

@@ -32,10 +32,6 @@ constexpr int32_t kRgb888 = 3;
 
 // ---- Capture buffers ----
 
-void CwbService::prepareCwbBuffer() {
-    prepareCwbBuffer(mDisplayId);
-}
-
 void CwbService::prepareCwbBuffer(int32_t displayId) {
     CwbBufferInfo* info = nullptr;
     native_handle const** handle = nullptr;
@@ -94,8 +90,7 @@ void CwbService::prepareCwbBuffer(int32_t displayId) {
     }
 }
 
-void CwbService::destroyCwbBuffer() {
-    const int32_t displayId = mDisplayId;
+void CwbService::releaseCwbBuffer(int32_t displayId) {
     if (displayId == kDisplayMain && mCwbBufferHandle.base != nullptr) {
         mGrallocHelper->FreeBuffer(&mCwbNativeHandle);
         mCwbNativeHandle = nullptr;
@@ -121,14 +116,6 @@ bool CwbService::rectInsideBuffer(const CwbBufferInfo& info, const Rect& rect) {
 }
 
 // ---- Writeback ----
-
-int CwbService::setCWBOutputBuffer(Rect rect, bool postProcessed) {
-    return writeback(mDisplayId, false, rect, postProcessed);
-}
-
-int CwbService::setCWBOutputBufferSec(Rect rect, bool postProcessed) {
-    return writeback(mDisplayId, true, rect, postProcessed);
-}
 
 int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool postProcessed) {
     std::shared_ptr<IDisplayConfig> config = displayConfig();
@@ -241,10 +228,6 @@ void CwbService::NotifyCWBBufferDone(int error, const native_handle_t* /*buffer*
 
 // ---- Rectangle check and rotation ----
 
-bool CwbService::checkInputRect(const Rect& in, Rect& out) {
-    return checkInputRect(mDisplayId, in, out);
-}
-
 bool CwbService::checkInputRect(int32_t displayId, const Rect& in, Rect& out) {
     fillConfigsIfNeeded();
     if (!mConfigInitialized) return false;
@@ -347,11 +330,6 @@ void CwbService::emptyResultCaches() {
     mRgbCache.clear();
     mLumaCache.clear();
     mHistogramCache.clear();
-}
-
-void CwbService::clearCache() {
-    std::lock_guard<TimedMutex> lock(mRequestLock);
-    emptyResultCaches();
 }
 
 Rect CwbService::aiRect() const {

@@ -141,10 +141,8 @@ CwbService::~CwbService() NO_THREAD_SAFETY_ANALYSIS {
     // No completion may reach this object any more, whatever the vendor still holds.
     mCwbCallback->detach();
     // Both displays' buffers go: the one not selected now would otherwise leak.
-    if (mCwbBufferHandle.base != nullptr) mGrallocHelper->FreeBuffer(&mCwbNativeHandle);
-    if (mCwbBufferHandle_sec.base != nullptr) mGrallocHelper->FreeBuffer(&mCwbNativeHandle_sec);
-    mCwbBufferHandle.base = nullptr;
-    mCwbBufferHandle_sec.base = nullptr;
+    releaseCwbBuffer(kDisplayMain);
+    releaseCwbBuffer(kDisplaySecondary);
     release();
 }
 
@@ -173,9 +171,10 @@ ndk::ScopedAStatus CwbService::registerCallback(const std::shared_ptr<ICwbCallba
     CwbStats::Request request(mStats, CwbStats::Method::registerCallback, nullptr, _aidl_return);
     *_aidl_return = Error::NONE;
     if (callback == nullptr) return ndk::ScopedAStatus::ok();
+    const uint64_t cookie = generateCookie();
     {
         std::lock_guard<std::mutex> lock(mCallbackMutex);
-        mCallbacks.emplace(mCookie++, callback);
+        mCallbacks.emplace(cookie, callback);
     }
     // Outside the lock: a client may call back into the service from its notification.
     callback->notifyCwbStatus(mCwbStatus);
@@ -422,15 +421,6 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
     if (list == nullptr || list->empty()) return false;
     *out = (*list)[index % list->size()];
     return true;
-}
-
-void CwbService::getResolution(uint32_t& width, uint32_t& height) {
-    const int32_t displayId = mDisplayId;
-    if (displayId != kDisplayMain && displayId != kDisplaySecondary) return;
-    DisplayAttributes attributes{};
-    activeAttributes(displayId, &attributes);
-    width = static_cast<uint32_t>(attributes.xRes);
-    height = static_cast<uint32_t>(attributes.yRes);
 }
 
 // ---- Power, colour mode and overlay-layer state ----
