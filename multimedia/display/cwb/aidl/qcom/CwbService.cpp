@@ -332,37 +332,14 @@ bool CwbService::setupAvailableConfigs() {
         config = displayConfig();
     }
     int32_t count = 0;
-    config->getConfigCount(dc::DisplayType::PRIMARY, &count);
-    if (count <= 0) return false;
     DisplayAttributes record{};
-    for (int32_t i = 0; i < count; ++i) {
-        config->getDisplayAttributes(i, dc::DisplayType::PRIMARY, &record);
-        mConfigs.push_back(record);
-    }
-    mConfigsSize.store(mConfigs.size(), std::memory_order_release);
-    for (size_t i = 0; i < mConfigs.size(); ++i) {
-        ALOGI("ConfigID %d: vsync_period = %d, width = %d, height = %d.", static_cast<int>(i),
-              mConfigs[i].vsyncPeriod, mConfigs[i].xRes, mConfigs[i].yRes);
-    }
+    if (!readConfigs(*config, false, &count, &record)) return false;
     if (mActiveConfig >= mConfigs.size()) {
         ALOGI("CwbService::setupAvailableConfigs: mActiveConfig:%u, size:%zu", mActiveConfig.load(),
               mConfigs.size());
         mActiveConfig = mActiveConfig % mConfigs.size();
     }
-    if (mDisplayIdSec != kNoDisplay) {
-        config->getConfigCount(dc::DisplayType::BUILTIN2, &count);
-        if (count <= 0) return false;
-        for (int32_t i = 0; i < count; ++i) {
-            config->getDisplayAttributes(i, dc::DisplayType::BUILTIN2, &record);
-            mConfigsSec.push_back(record);
-        }
-        mConfigsSecSize.store(mConfigsSec.size(), std::memory_order_release);
-        for (size_t i = 0; i < mConfigsSec.size(); ++i) {
-            ALOGI("ConfigID mDisplayIdSec:%d: vsync_period = %d, width = %d, height = %d.",
-                  static_cast<int>(i), mConfigsSec[i].vsyncPeriod, mConfigsSec[i].xRes,
-                  mConfigsSec[i].yRes);
-        }
-    }
+    if (mDisplayIdSec != kNoDisplay && !readConfigs(*config, true, &count, &record)) return false;
     if (mAplReadSupport) {
         ::android::sp<qService::IQService> binder = getBinder();
         if (binder != nullptr) {
@@ -372,6 +349,25 @@ bool CwbService::setupAvailableConfigs() {
             in.writeInt32(1);
             binder->dispatch(kQServiceAplSetup, &in, &out);
         }
+    }
+    return true;
+}
+
+bool CwbService::readConfigs(IDisplayConfig& config, bool secondary, int32_t* count,
+                             DisplayAttributes* record) {
+    const dc::DisplayType type = secondary ? dc::DisplayType::BUILTIN2 : dc::DisplayType::PRIMARY;
+    std::vector<DisplayAttributes>& list = secondary ? mConfigsSec : mConfigs;
+    config.getConfigCount(type, count);
+    if (*count <= 0) return false;
+    for (int32_t i = 0; i < *count; ++i) {
+        config.getDisplayAttributes(i, type, record);
+        list.push_back(*record);
+    }
+    (secondary ? mConfigsSecSize : mConfigsSize).store(list.size(), std::memory_order_release);
+    for (size_t i = 0; i < list.size(); ++i) {
+        ALOGI("ConfigID %s%d: vsync_period = %d, width = %d, height = %d.",
+              secondary ? "mDisplayIdSec:" : "", static_cast<int>(i), list[i].vsyncPeriod,
+              list[i].xRes, list[i].yRes);
     }
     return true;
 }

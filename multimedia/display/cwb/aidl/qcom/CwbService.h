@@ -206,6 +206,11 @@ class CwbService : public BnCwbService,
     void prepareCwbBuffer(int32_t displayId) REQUIRES(mRequestLock);
     void panelLoading(int32_t displayId, int* loading);
     bool setupAvailableConfigs() REQUIRES(mConfigMutex);
+    // Appends the main or secondary display's configurations and publishes the list's size;
+    // false when the display reports none. count and record carry over from the display read
+    // before, as a vendor that leaves them unwritten would find them.
+    bool readConfigs(IDisplayConfig& config, bool secondary, int32_t* count,
+                     DisplayAttributes* record) REQUIRES(mConfigMutex);
     void fillConfigsIfNeeded() EXCLUDES(mConfigMutex);
     // Active (width, height, vsync) of a display selection; false for an unknown display, a
     // list not read yet or an empty list.
@@ -279,7 +284,7 @@ class CwbService : public BnCwbService,
     bool mAodForbidden = false;
     bool mFodForbidden = false;
     std::atomic<int32_t> mDisplayId{0};
-    // Display of the RGB request holding mRequestLock, -1 outside one: its weights are that
+    // Display of the request holding mRequestLock, kNoDisplay outside one: its weights are that
     // display's. A pass run on its own weighs for mDisplayId.
     int32_t mRequestDisplayId GUARDED_BY(mRequestLock) = kNoDisplay;
     int32_t mDisplayIdMain = kNoDisplay;
