@@ -121,7 +121,8 @@ class CwbService : public BnCwbService,
     ndk::ScopedAStatus setDebug(const std::vector<int32_t>& debug, Error* _aidl_return) override;
     // CWB_RGB_VALUE, CWB_LUMAS_VALUE or CWB_RGB_VALUE_SEC through the analysis frame, then the
     // frame's start and end times (high, low words) and the panel loading. INVALID_ARGUMENT for
-    // an id outside 1..14 or an unconfigured secondary display; other ids answer no values.
+    // an id outside 1..14 or an unconfigured secondary display; other ids answer no values and
+    // leave the result unset.
     // Waits up to 50 ms for a layer change on mLayerChangeMutex after the request.
     ndk::ScopedAStatus getCwbValue(int32_t featureId, const Rect& rect,
                                    std::vector<int32_t>* values, Error* _aidl_return) override;
