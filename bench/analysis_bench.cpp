@@ -12,6 +12,7 @@
 // The summary at the end gives each figure as a ratio to its limit and to its peer.
 #include <ColorTempHelper.h>
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <GammaTable.h>
 #include <PixelKernels.h>
 #include <benchmark/benchmark.h>

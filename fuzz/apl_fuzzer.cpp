@@ -1,6 +1,7 @@
 // Reads the panel APL file and turns it into the panel-loading estimate: the input's first three
 // bytes pick the qservice answers and the render intent, the rest is the file's text.
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <device/Device.h>
 #include <fcntl.h>
 #include <host/clock.h>
@@ -23,6 +24,7 @@ namespace {
 
 using aidl::vendor::zarel::hardware::cwb::Error;
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 
 struct Panel {
     Panel() : root(cwbfuzz::makeSandbox()), device(root) {
@@ -67,9 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (ftruncate(p.file, 0) != 0) abort();
     if (!text.empty() && pwrite(p.file, text.data(), text.size(), 0) < 0) abort();
     std::vector<unsigned int> values;
-    p.service->getDisplayPanelAplValue(values);
+    CwbServiceTestPeer(*p.service).getDisplayPanelAplValue(values);
     int loading = 0;
-    p.service->getDisplayPanelLoading(&loading);
+    CwbServiceTestPeer(*p.service).getDisplayPanelLoading(&loading);
     p.device.qservice()->clearCommands();
     return 0;
 }

@@ -12,6 +12,7 @@
 // service must refuse or seal them rather than fault. CWB_FUZZ_UNDERSIZED_REGIONS=0 keeps every
 // file at least as large as declared.
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 #include <device/Composer.h>
 #include <device/Device.h>
@@ -52,6 +53,7 @@ using aidl::vendor::zarel::hardware::cwb::ICwbCallback;
 using aidl::vendor::zarel::hardware::cwb::Rect;
 using aidl::vendor::zarel::hardware::cwb::Rgb;
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 using cwbfuzz::FuzzBytes;
 using host::device::Frame;
 using host::device::FrameKind;
@@ -623,7 +625,7 @@ void Session::clientCall(uint8_t op) {
             break;
         case 17: {
             int loading = 0;
-            s.getDisplayPanelLoading(&loading);
+            CwbServiceTestPeer(s).getDisplayPanelLoading(&loading);
             break;
         }
     }
@@ -678,7 +680,7 @@ void Session::hostEvent(uint8_t op) {
             break;
         case 10: {
             // The operations the service exports to its host besides the proxy's events.
-            CwbService& s = *mService;
+            CwbServiceTestPeer s(*mService);
             switch (mIn.u8() % 5) {
                 case 0:
                     s.clearCache();

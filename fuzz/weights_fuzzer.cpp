@@ -1,6 +1,7 @@
 // Parses a weights file as the service does at boot: the input is the file's text. Whatever it
 // holds, the parsed count never exceeds the weights the weighted pass will read.
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <host/log_capture.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -16,6 +17,7 @@
 namespace {
 
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 
 struct Parser {
     Parser() : service(CwbService::initialize()), file(memfd_create("cwb_weights", MFD_CLOEXEC)) {
@@ -41,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (size > 0 && pwrite(p.file, data, size, 0) != static_cast<ssize_t>(size)) abort();
     int count = 0;
     std::vector<int> weights;
-    p.service->GetCwbWeightsPos(p.path.data(), &count, weights);
+    CwbServiceTestPeer(*p.service).GetCwbWeightsPos(p.path.data(), &count, weights);
     if (count > 0 && weights.size() < static_cast<size_t>(count)) {
         fprintf(stderr, "count %d with %zu weights\n", count, weights.size());
         abort();

@@ -322,7 +322,7 @@ TEST_F(AnalysisPass, GreyLogsOutOfRangeOncePerFrameWithDebugOnly) {
 TEST_F(AnalysisPass, LumaOfEveryGreyAndTruncationPerPixel) {
     boot();
     Image image(6, 3, 8);
-    auto luma = [&](const Rect& r) { return service->calcPixelsLumas(image.data(), 8, r); };
+    auto luma = [&](const Rect& r) { return peer->calcPixelsLumas(image.data(), 8, r); };
     for (int c = 0; c < 256; ++c) {
         const uint8_t v = static_cast<uint8_t>(c);
         image.fill(1, 1, 5, 3, {v, v, v});
@@ -351,7 +351,7 @@ TEST_F(AnalysisPass, HistogramCountsEveryPixelOncePerChannelAndOnlyAdds) {
     const Rect r = rect(2, 1, 17, 9);
     const unsigned int area = 15 * 8;
     for (int pass = 1; pass <= 2; ++pass) {
-        service->calcPixelsHistogram(image.data(), 23, r, bins);
+        peer->calcPixelsHistogram(image.data(), 23, r, bins);
         for (int ch = 0; ch < 3; ++ch) {
             unsigned int total = 0;
             for (int v = 0; v < 256; ++v) total += bins[v][ch];
@@ -365,7 +365,7 @@ TEST_F(AnalysisPass, HistogramCountsEveryPixelOncePerChannelAndOnlyAdds) {
         EXPECT_EQ(pass * (area - 2), bins[1][0]);
         EXPECT_EQ(0u, bins[kPoison][0] + bins[kPoison][1] + bins[kPoison][2]);
     }
-    service->calcPixelsHistogram(image.data(), 23, rect(5, 1, 5, 9), bins);
+    peer->calcPixelsHistogram(image.data(), 23, rect(5, 1, 5, 9), bins);
     EXPECT_EQ(2 * area, bins[1][0] + bins[10][0] + bins[255][0]);
 }
 

@@ -24,7 +24,7 @@ TEST_F(CapturePowerTest, GateClosesForFiftyMillisecondsAfterASuccessfulCapture) 
         ASSERT_EQ(0, capture());
         const nsecs_t last = peer->lastCwbTime();
         host::log::clear();
-        const bool allowed = service->captureScreenAllowed();
+        const bool allowed = peer->captureScreenAllowed();
         const size_t lines = logCount(ANDROID_LOG_DEBUG, "no need capturescreen\n");
         const size_t requests = vendor().requests().size();
         const int32_t word = rgb(rect(0, 0, 10, 10)).first;
@@ -43,7 +43,7 @@ TEST_F(CapturePowerTest, GateClosesForFiftyMillisecondsAfterASuccessfulCapture) 
     ASSERT_TRUE(gateOpen());
     EXPECT_GE(now() - last, kGateNs);
     ASSERT_TRUE(waitFor([&] { return now() - last > 60'000'000; }));
-    EXPECT_TRUE(service->captureScreenAllowed());
+    EXPECT_TRUE(peer->captureScreenAllowed());
 }
 
 struct PowerCase {

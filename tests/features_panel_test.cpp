@@ -24,7 +24,7 @@ class PanelTest : public ServiceTest {
   protected:
     int32_t loading() {
         int out = -12345;
-        EXPECT_TRUE(service->getDisplayPanelLoading(&out).isOk());
+        EXPECT_TRUE(peer->getDisplayPanelLoading(&out).isOk());
         return out;
     }
 
@@ -52,7 +52,7 @@ TEST_P(AplParseTest, ParsesHexadecimalNumbersInFileOrder) {
     boot();
     host::log::clear();
     std::vector<unsigned int> values = {9, 9, 9};  // stale entries must go
-    EXPECT_EQ(c.bytes, service->getDisplayPanelAplValue(values));
+    EXPECT_EQ(c.bytes, peer->getDisplayPanelAplValue(values));
     EXPECT_EQ(c.values, values);
     EXPECT_EQ(1u, host::sandbox::openCount(kAplPath));
     Lines lines = logged();

@@ -142,9 +142,9 @@ TEST_F(RequestAllocationTest, PixelPassesAllocateNothing) {
     unsigned short state = 0;
     unsigned int bins[256][3] = {};
     const size_t n = allocationsOf([&] {
-        service->calcPixelsRGB(pixels.data(), 64, whole, codes, state);
-        service->calcPixelsLumas(pixels.data(), 64, whole);
-        service->calcPixelsHistogram(pixels.data(), 64, whole, bins);
+        peer->calcPixelsRGB(pixels.data(), 64, whole, codes, state);
+        peer->calcPixelsLumas(pixels.data(), 64, whole);
+        peer->calcPixelsHistogram(pixels.data(), 64, whole, bins);
     });
     EXPECT_EQ(0u, n);
     EXPECT_EQ(60u * 64u, bins[0x5A][0]);

@@ -4,6 +4,7 @@
 
 #include <CwbProxy.h>
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <device/Composer.h>
 #include <device/Device.h>
 #include <gtest/gtest.h>
@@ -21,135 +22,6 @@
 #include <string>
 #include <thread>
 #include <vector>
-
-namespace aidl::vendor::zarel::hardware::cwb::implementation {
-
-// Friend of CwbService: state for assertions, and the internal operations under the locks their
-// callers would hold.
-class CwbServiceTestPeer {
-  public:
-    explicit CwbServiceTestPeer(CwbService& s) : s(s) {}
-
-    int32_t displayId() const { return s.mDisplayId; }
-    void setDisplayId(int32_t id) { s.mDisplayId = id; }
-    int32_t displayIdMain() const { return s.mDisplayIdMain; }
-    int32_t displayIdSec() const { return s.mDisplayIdSec; }
-    int32_t cwbRotate() const { return s.mCwbRotate; }
-    int32_t cwbRotateMain() const { return s.mCwbRotateMain; }
-    int32_t cwbRotateSec() const { return s.mCwbRotateSec; }
-    bool postProcess() const { return s.mPostProcess; }
-    bool roiSupport() const { return s.mRoiSupport; }
-    bool aodForbidden() const { return s.mAodForbidden; }
-    bool fodForbidden() const { return s.mFodForbidden; }
-    bool aplReadSupport() const { return s.mAplReadSupport; }
-    bool debugLog() const { return s.mDebugLog; }
-    bool dump() const { return s.mDump; }
-    bool disablePostProcessedFlag() const { return s.mDisablePostProcessed; }
-    const ColorTempHelper& colorTemp() const { return s.mColorTempHelper; }
-    int32_t weightsCount(bool sec) const {
-        return sec ? s.weightspos_count_sec : s.weightspos_count;
-    }
-    std::vector<int32_t> weights(bool sec) const { return sec ? s.weightspos_sec : s.weightspos; }
-
-    bool configInitialized() const { return s.mConfigInitialized; }
-    size_t configCount(bool sec) const { return sec ? s.mConfigsSec.size() : s.mConfigs.size(); }
-    uint32_t activeConfig(bool sec) const { return sec ? s.mActiveConfigSec : s.mActiveConfig; }
-
-    int32_t powerModeMain() const { return s.mPowerModeMain; }
-    int32_t powerModeSec() const { return s.mPowerModeSec; }
-    int32_t cachePowerMode() const { return s.mCachePowerMode; }
-    int32_t colorModeMain() const { return s.mColorModeMain; }
-    int32_t colorModeSec() const { return s.mColorModeSec; }
-    int32_t renderIntentMain() const { return s.mRenderIntentMain; }
-    int32_t renderIntentSec() const { return s.mRenderIntentSec; }
-    bool aodLayerExist() const { return s.mAodLayerExist; }
-    bool fodLayerExist() const { return s.mFodLayerExist; }
-    bool cwbStatus() const { return s.mCwbStatus; }
-    bool cwbEnabled() const { return s.mCwbEnabled; }
-
-    bool bufferCacheValid() const { return s.mBufferCacheValid; }
-    void setBufferCacheValid(bool valid) { s.mBufferCacheValid = valid; }
-    int32_t invalidCacheCount() const { return s.mInvalidCacheCount; }
-    bool rgbCacheHit() const { return s.mRgbCacheHit; }
-    void setRgbCacheHit(bool hit) { s.mRgbCacheHit = hit; }
-    int32_t panelApl() const { return s.mPanelApl; }
-    void setPanelApl(int32_t apl) { s.mPanelApl = apl; }
-    bool screenCountReached() const { return s.mScreenCountReached; }
-    Rect aiRect() const { return s.aiRect(); }
-    void setAiRect(const Rect& r) {
-        std::lock_guard<std::mutex> lock(s.mAiRectMutex);
-        s.mAiRect = r;
-    }
-
-    int32_t aodForbiddenCnt() {
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        return s.mAodForbiddenCnt;
-    }
-    int32_t currentScreenCount() {
-        std::lock_guard<std::mutex> lock(s.mSharedMemoryMutex);
-        return s.mCurrentScreenCount;
-    }
-    size_t callbackCount() {
-        std::lock_guard<std::mutex> lock(s.mCallbackMutex);
-        return s.mCallbacks.size();
-    }
-    size_t cacheSize(int which) {  // 0 RGB, 1 luma, 2 histogram
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        return which == 0   ? s.mRgbCache.size()
-               : which == 1 ? s.mLumaCache.size()
-                            : s.mHistogramCache.size();
-    }
-    CwbBufferInfo buffer(bool sec) {
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        return sec ? s.mCwbBufferHandle_sec : s.mCwbBufferHandle;
-    }
-    static bool rectInsideBuffer(const CwbBufferInfo& info, const Rect& r) {
-        return CwbService::rectInsideBuffer(info, r);
-    }
-    int64_t lastCwbTime() {
-        std::lock_guard<std::mutex> lock(s.mCwbMutex);
-        return s.mLastCwbTime;
-    }
-    int64_t lastCwbDoneTime() {
-        std::lock_guard<std::mutex> lock(s.mCwbMutex);
-        return s.mLastCwbDoneTime;
-    }
-    bool sharedMemoryMapped() {
-        std::lock_guard<std::mutex> lock(s.mSharedMemoryMutex);
-        return s.mSharedMemory.mapped();
-    }
-    bool sharedMemorySealed() {
-        std::lock_guard<std::mutex> lock(s.mSharedMemoryMutex);
-        return s.mSharedMemory.sealed();
-    }
-
-    void prepareCwbBuffer() {
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        s.prepareCwbBuffer();
-    }
-    void destroyCwbBuffer() {
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        s.destroyCwbBuffer();
-    }
-    int setCWBOutputBuffer(const Rect& rect, bool postProcessed, bool sec = false) {
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        return sec ? s.setCWBOutputBufferSec(rect, postProcessed)
-                   : s.setCWBOutputBuffer(rect, postProcessed);
-    }
-    void calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
-                       std::array<unsigned char, 3>& rgb, unsigned short& state) {
-        std::lock_guard<TimedMutex> lock(s.mRequestLock);
-        s.calcPixelsRGB(buffer, stride, rect, rgb, state);
-    }
-    // Holds the request lock until release() or destruction, as a long request would.
-    void holdRequestLock() { s.mRequestLock.lock(); }
-    void releaseRequestLock() NO_THREAD_SAFETY_ANALYSIS { s.mRequestLock.unlock(); }
-
-  private:
-    CwbService& s;
-};
-
-}  // namespace aidl::vendor::zarel::hardware::cwb::implementation
 
 namespace cwbtest {
 
@@ -239,7 +111,7 @@ class ServiceTest : public ::testing::Test {
 
     // The 50 ms capture gate is open again (bounded wait, never a blind sleep).
     bool gateOpen() {
-        return waitFor([this] { return service->captureScreenAllowed(); });
+        return waitFor([this] { return peer->captureScreenAllowed(); });
     }
 
     std::pair<int32_t, Rgb> rgb(const Rect& r) {

@@ -25,7 +25,7 @@ class SkeletonConfigsTest : public ServiceTest {
   protected:
     Size resolution(uint32_t sentinel = 0xDEAD) {
         Size out{sentinel, sentinel};
-        service->getResolution(out.first, out.second);
+        peer->getResolution(out.first, out.second);
         return out;
     }
     std::string connectedLine() {

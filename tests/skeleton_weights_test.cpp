@@ -96,11 +96,11 @@ TEST_F(SkeletonWeightsReaderTest, DebugLogsEveryWeightAndFailuresKeepTheCallersV
     char path[] = "/odm/etc/display/cwb_weightspos.json";
     int count = 5;
     std::vector<int> weights{9};
-    service->GetCwbWeightsPos(path, &count, weights);  // no file
+    peer->GetCwbWeightsPos(path, &count, weights);  // no file
     EXPECT_EQ(5, count);
     EXPECT_EQ(std::vector<int>{9}, weights);
     device->writeWeights(PanelId::Main, R"({"count": 2, "Weights": [-3, 4]})");
-    service->GetCwbWeightsPos(path, &count, weights);
+    peer->GetCwbWeightsPos(path, &count, weights);
     EXPECT_EQ(2, count);
     EXPECT_EQ((std::vector<int>{9, -3, 4}), weights);  // appended
     for (const char* line :

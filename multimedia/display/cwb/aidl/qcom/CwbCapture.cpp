@@ -28,23 +28,18 @@ namespace dc = ::aidl::vendor::qti::hardware::display::config;
 
 constexpr uint64_t kCaptureUsage = 0x33;  // CPU read often | CPU write often
 constexpr int32_t kRgb888 = 3;
-constexpr int64_t kWritebackTimeoutNs = 1000000000;
 
 }  // namespace
 
 // ---- Capture buffers ----
 
-void CwbService::prepareCwbBuffer() {
-    prepareCwbBuffer(mDisplayId);
-}
-
 void CwbService::prepareCwbBuffer(int32_t displayId) {
     CwbBufferInfo* info = nullptr;
     native_handle const** handle = nullptr;
-    if (displayId == 0) {
+    if (displayId == kDisplayMain) {
         info = &mCwbBufferHandle;
         handle = &mCwbNativeHandle;
-    } else if (displayId == 3) {
+    } else if (displayId == kDisplaySecondary) {
         info = &mCwbBufferHandle_sec;
         handle = &mCwbNativeHandle_sec;
     } else {
@@ -96,13 +91,12 @@ void CwbService::prepareCwbBuffer(int32_t displayId) {
     }
 }
 
-void CwbService::destroyCwbBuffer() {
-    const int32_t displayId = mDisplayId;
-    if (displayId == 0 && mCwbBufferHandle.base != nullptr) {
+void CwbService::releaseCwbBuffer(int32_t displayId) {
+    if (displayId == kDisplayMain && mCwbBufferHandle.base != nullptr) {
         mGrallocHelper->FreeBuffer(&mCwbNativeHandle);
         mCwbNativeHandle = nullptr;
         mCwbBufferHandle.base = nullptr;
-    } else if (displayId == 3 && mCwbBufferHandle_sec.base != nullptr) {
+    } else if (displayId == kDisplaySecondary && mCwbBufferHandle_sec.base != nullptr) {
         mGrallocHelper->FreeBuffer(&mCwbNativeHandle_sec);
         mCwbNativeHandle_sec = nullptr;
         mCwbBufferHandle_sec.base = nullptr;
@@ -124,14 +118,6 @@ bool CwbService::rectInsideBuffer(const CwbBufferInfo& info, const Rect& rect) {
 
 // ---- Writeback ----
 
-int CwbService::setCWBOutputBuffer(Rect rect, bool postProcessed) {
-    return writeback(mDisplayId, false, rect, postProcessed);
-}
-
-int CwbService::setCWBOutputBufferSec(Rect rect, bool postProcessed) {
-    return writeback(mDisplayId, true, rect, postProcessed);
-}
-
 int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool postProcessed) {
     std::shared_ptr<IDisplayConfig> config = displayConfig();
     if (config == nullptr) {
@@ -149,13 +135,14 @@ int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool pos
 
     dc::Rect region{};
     if (mRoiSupport) {
-        if (!secondary && mLightModeID == 3) {
+        if (!secondary && mLightModeID == CWB_AI_VALUE) {
             const Rect ai = aiRect();
             region = dc::Rect{ai.left, ai.top, ai.right, ai.bottom};
             if (mDebugLog) {
                 ALOGD("MORVIK_AI::mRoiSupport=%d||mLightModeID=%d||fhd_Width=%d||left=%d||top=%d||"
                       "right=%d||bottom=%d",
-                      1, 3, static_cast<int>(info.width), ai.left, ai.top, ai.right, ai.bottom);
+                      1, CWB_AI_VALUE, static_cast<int>(info.width), ai.left, ai.top, ai.right,
+                      ai.bottom);
             }
         } else {
             region = dc::Rect{rect.left, rect.top, rect.right, rect.bottom};
@@ -242,22 +229,18 @@ void CwbService::NotifyCWBBufferDone(int error, const native_handle_t* /*buffer*
 
 // ---- Rectangle check and rotation ----
 
-bool CwbService::checkInputRect(const Rect& in, Rect& out) {
-    return checkInputRect(mDisplayId, in, out);
-}
-
 bool CwbService::checkInputRect(int32_t displayId, const Rect& in, Rect& out) {
     fillConfigsIfNeeded();
     if (!mConfigInitialized) return false;
 
     DisplayAttributes attributes{};
     int32_t rotate = mCwbRotate;
-    if (displayId == 0) {
+    if (displayId == kDisplayMain) {
         rotate = mCwbRotateMain;
-        activeAttributes(0, &attributes);
-    } else if (displayId == 3) {
+        activeAttributes(kDisplayMain, &attributes);
+    } else if (displayId == kDisplaySecondary) {
         rotate = mCwbRotateSec;
-        activeAttributes(3, &attributes);
+        activeAttributes(kDisplaySecondary, &attributes);
     }
     mCwbRotate = rotate;
     const uint32_t W = static_cast<uint32_t>(attributes.xRes);
@@ -348,11 +331,6 @@ void CwbService::emptyResultCaches() {
     mRgbCache.clear();
     mLumaCache.clear();
     mHistogramCache.clear();
-}
-
-void CwbService::clearCache() {
-    std::lock_guard<TimedMutex> lock(mRequestLock);
-    emptyResultCaches();
 }
 
 Rect CwbService::aiRect() const {

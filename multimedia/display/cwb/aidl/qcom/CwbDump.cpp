@@ -14,6 +14,7 @@
 #include <string>
 
 #include "CwbService.h"
+#include "DumpText.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -21,40 +22,31 @@ namespace {
 
 constexpr auto kDumpLockWait = std::chrono::milliseconds(5);
 
-void appendf(std::string* out, const char* format, ...) __attribute__((format(printf, 2, 3)));
-void appendf(std::string* out, const char* format, ...) {
-    char line[512];
-    va_list args;
-    va_start(args, format);
-    const int n = vsnprintf(line, sizeof(line), format, args);
-    va_end(args);
-    if (n > 0) out->append(line, std::min(static_cast<size_t>(n), sizeof(line) - 1));
-}
-
 template <typename Attributes>
 void appendConfigs(std::string* out, const char* name, const std::vector<Attributes>& configs,
                    uint32_t active) {
     if (configs.empty()) {
-        appendf(out, "  %s: none\n", name);
+        appendf<512>(out, "  %s: none\n", name);
         return;
     }
-    appendf(out, "  %s: %zu, active %u\n", name, configs.size(), active);
+    appendf<512>(out, "  %s: %zu, active %u\n", name, configs.size(), active);
     for (size_t i = 0; i < configs.size(); ++i) {
-        appendf(out, "    %c%zu: %dx%d, vsync %d ns\n", i == active % configs.size() ? '*' : ' ', i,
-                configs[i].xRes, configs[i].yRes, configs[i].vsyncPeriod);
+        appendf<512>(out, "    %c%zu: %dx%d, vsync %d ns\n",
+                     i == active % configs.size() ? '*' : ' ', i, configs[i].xRes, configs[i].yRes,
+                     configs[i].vsyncPeriod);
     }
 }
 
 void appendBuffer(std::string* out, const char* name, const CwbBufferInfo& info) {
     if (info.base == nullptr) {
-        appendf(out, "  %s: none\n", name);
+        appendf<512>(out, "  %s: none\n", name);
         return;
     }
-    appendf(out, "  %s: %llux%llu, pitch %llu px, %llu bytes, format %d\n", name,
-            static_cast<unsigned long long>(info.unaligned_width),
-            static_cast<unsigned long long>(info.height),
-            static_cast<unsigned long long>(info.width), static_cast<unsigned long long>(info.size),
-            info.format);
+    appendf<512>(out, "  %s: %llux%llu, pitch %llu px, %llu bytes, format %d\n", name,
+                 static_cast<unsigned long long>(info.unaligned_width),
+                 static_cast<unsigned long long>(info.height),
+                 static_cast<unsigned long long>(info.width),
+                 static_cast<unsigned long long>(info.size), info.format);
 }
 
 bool writeAll(int fd, const std::string& text) {
@@ -73,42 +65,45 @@ bool writeAll(int fd, const std::string& text) {
 binder_status_t CwbService::dump(int fd, const char** /*args*/, uint32_t /*numArgs*/) {
     const nsecs_t now = systemTime(SYSTEM_TIME_MONOTONIC);
     std::string out;
-    appendf(&out, "%s/default, interface version %d\n", ICwbService::descriptor,
-            ICwbService::version);
+    appendf<512>(&out, "%s/default, interface version %d\n", ICwbService::descriptor,
+                 ICwbService::version);
 
     out.append("Settings:\n");
-    appendf(&out, "  rotate: %d (main %d, sec %d)\n", mCwbRotate.load(), mCwbRotateMain,
-            mCwbRotateSec);
-    appendf(&out, "  roi: %d, aod forbidden: %d, fod forbidden: %d, apl read: %d\n", mRoiSupport,
-            mAodForbidden, mFodForbidden, mAplReadSupport);
-    appendf(&out, "  weights: main %d (%zu values), sec %d (%zu values)\n", weightspos_count,
-            weightspos.size(), weightspos_count_sec, weightspos_sec.size());
+    appendf<512>(&out, "  rotate: %d (main %d, sec %d)\n", mCwbRotate.load(), mCwbRotateMain,
+                 mCwbRotateSec);
+    appendf<512>(&out, "  roi: %d, aod forbidden: %d, fod forbidden: %d, apl read: %d\n",
+                 mRoiSupport, mAodForbidden, mFodForbidden, mAplReadSupport);
+    appendf<512>(&out, "  weights: main %d (%zu values), sec %d (%zu values)\n", weightspos_count,
+                 weightspos.size(), weightspos_count_sec, weightspos_sec.size());
     const ColorTempHelper& sampler = mColorTempHelper;
-    appendf(&out, "  sampler: %s, ct_range %d,%d,%d,%d\n", sampler.mEnabled ? "on" : "off",
-            sampler.mCtRange[0], sampler.mCtRange[1], sampler.mCtRange[2], sampler.mCtRange[3]);
+    appendf<512>(&out, "  sampler: %s, ct_range %d,%d,%d,%d\n", sampler.mEnabled ? "on" : "off",
+                 sampler.mCtRange[0], sampler.mCtRange[1], sampler.mCtRange[2],
+                 sampler.mCtRange[3]);
 
     out.append("Status:\n");
-    appendf(&out, "  cwb status: %d, enabled: %d, serving: %d\n", mCwbStatus.load(),
-            mCwbEnabled.load(), serviceStatus());
-    appendf(&out, "  post process: %d, debug log: %d, dump: %d, post processing disabled: %d\n",
-            mPostProcess.load(), mDebugLog.load(), mDump.load(), mDisablePostProcessed.load());
-    appendf(&out, "  power mode: main %d, sec %d, cached %d\n", mPowerModeMain.load(),
-            mPowerModeSec.load(), mCachePowerMode.load());
-    appendf(&out, "  colour mode: main %d intent %d, sec %d intent %d\n", mColorModeMain.load(),
-            mRenderIntentMain.load(), mColorModeSec.load(), mRenderIntentSec.load());
-    appendf(&out, "  aod layer: %d, fod layer: %d, panel apl: %d\n", mAodLayerExist.load(),
-            mFodLayerExist.load(), mPanelApl.load());
-    appendf(&out, "  frame current: %d, layer changes since capture: %d\n",
-            mBufferCacheValid.load(), mInvalidCacheCount.load());
+    appendf<512>(&out, "  cwb status: %d, enabled: %d, serving: %d\n", mCwbStatus.load(),
+                 mCwbEnabled.load(), serviceStatus());
+    appendf<512>(&out,
+                 "  post process: %d, debug log: %d, dump: %d, post processing disabled: %d\n",
+                 mPostProcess.load(), mDebugLog.load(), mDump.load(), mDisablePostProcessed.load());
+    appendf<512>(&out, "  power mode: main %d, sec %d, cached %d\n", mPowerModeMain.load(),
+                 mPowerModeSec.load(), mCachePowerMode.load());
+    appendf<512>(&out, "  colour mode: main %d intent %d, sec %d intent %d\n",
+                 mColorModeMain.load(), mRenderIntentMain.load(), mColorModeSec.load(),
+                 mRenderIntentSec.load());
+    appendf<512>(&out, "  aod layer: %d, fod layer: %d, panel apl: %d\n", mAodLayerExist.load(),
+                 mFodLayerExist.load(), mPanelApl.load());
+    appendf<512>(&out, "  frame current: %d, layer changes since capture: %d\n",
+                 mBufferCacheValid.load(), mInvalidCacheCount.load());
     const int32_t mode = mLightModeID;
-    appendf(&out, "  capture mode: %d (%s)\n", mode,
-            mode == 2   ? "legacy"
-            : mode == 3 ? "AI"
-                        : "unknown");
+    appendf<512>(&out, "  capture mode: %d (%s)\n", mode,
+                 mode == CWB_LEGACY_VALUE ? "legacy"
+                 : mode == CWB_AI_VALUE   ? "AI"
+                                          : "unknown");
 
     out.append("Displays:\n");
-    appendf(&out, "  serving: %d, main id: %d, secondary id: %d\n", mDisplayId.load(),
-            mDisplayIdMain, mDisplayIdSec);
+    appendf<512>(&out, "  serving: %d, main id: %d, secondary id: %d\n", mDisplayId.load(),
+                 mDisplayIdMain, mDisplayIdSec);
     if (mConfigInitialized) {
         appendConfigs(&out, "main configurations", mConfigs, mActiveConfig);
         appendConfigs(&out, "secondary configurations", mConfigsSec, mActiveConfigSec);
@@ -118,25 +113,25 @@ binder_status_t CwbService::dump(int fd, const char** /*args*/, uint32_t /*numAr
 
     {
         std::lock_guard<std::mutex> lock(mCallbackMutex);  // leaf, never held across a call
-        appendf(&out, "Callbacks: %zu\n", mCallbacks.size());
+        appendf<512>(&out, "Callbacks: %zu\n", mCallbacks.size());
     }
     {
         std::lock_guard<std::mutex> lock(mCwbMutex);  // held only briefly, never while waiting
-        appendf(&out, "Last completion: %s", mLastCwbTime == 0 ? "none\n" : "");
+        appendf<512>(&out, "Last completion: %s", mLastCwbTime == 0 ? "none\n" : "");
         if (mLastCwbTime != 0) {
-            appendf(&out, "%.3f s ago, %s\n", static_cast<double>(now - mLastCwbTime) / 1e9,
-                    mCwbRequestPending ? "a request is waiting" : "none waiting");
+            appendf<512>(&out, "%.3f s ago, %s\n", static_cast<double>(now - mLastCwbTime) / 1e9,
+                         mCwbRequestPending ? "a request is waiting" : "none waiting");
         }
     }
 
     // A crop holds this lock while it waits for the request lock: never block on it.
     if (mSharedMemoryMutex.try_lock()) {
-        appendf(&out, "Shared memory: %zu bytes mapped%s, copies since pause %d, paused %d\n",
-                mSharedMemory.length(), mSharedMemory.sealed() ? " (sealed)" : "",
-                mCurrentScreenCount, mScreenCountReached.load());
+        appendf<512>(&out, "Shared memory: %zu bytes mapped%s, copies since pause %d, paused %d\n",
+                     mSharedMemory.length(), mSharedMemory.sealed() ? " (sealed)" : "",
+                     mCurrentScreenCount, mScreenCountReached.load());
         mSharedMemoryMutex.unlock();
     } else {
-        appendf(&out, "Shared memory: busy, paused %d\n", mScreenCountReached.load());
+        appendf<512>(&out, "Shared memory: busy, paused %d\n", mScreenCountReached.load());
     }
 
     if (mRequestLock.try_lock_for(kDumpLockWait)) {
@@ -144,12 +139,12 @@ binder_status_t CwbService::dump(int fd, const char** /*args*/, uint32_t /*numAr
         out.append("Capture buffers:\n");
         appendBuffer(&out, "main", mCwbBufferHandle);
         appendBuffer(&out, "secondary", mCwbBufferHandle_sec);
-        appendf(&out, "Caches: rgb %zu, luma %zu, histogram %zu\n", mRgbCache.size(),
-                mLumaCache.size(), mHistogramCache.size());
-        appendf(&out,
-                "Request state: power mode %d, aod captures %d, last verdicts pure %d, "
-                "black/white %d\n",
-                mPowerMode, mAodForbiddenCnt, sampler.mPure, sampler.mBlackWhite);
+        appendf<512>(&out, "Caches: rgb %zu, luma %zu, histogram %zu\n", mRgbCache.size(),
+                     mLumaCache.size(), mHistogramCache.size());
+        appendf<512>(&out,
+                     "Request state: power mode %d, aod captures %d, last verdicts pure %d, "
+                     "black/white %d\n",
+                     mPowerMode, mAodForbiddenCnt, sampler.mPure, sampler.mBlackWhite);
     } else {
         out.append(
                 "Request lock busy (capture in flight): capture buffers, caches and request "

@@ -27,19 +27,11 @@ namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
 namespace {
 
-constexpr int32_t CWB_RGB_VALUE = 1;
-constexpr int32_t CWB_LUMAS_VALUE = 2;
-constexpr int32_t CWB_RGB_VALUE_SEC = 3;
-constexpr int32_t CWB_LEGACY_VALUE = 2;
-constexpr int32_t CWB_AI_VALUE = 3;
-constexpr int32_t CWB_AI_BUFFER_VALUE = 5;
 constexpr int32_t kLoadingOne = 100000000;
-constexpr uint32_t kQServiceUirState = 303;
-constexpr uint32_t kQServicePanelNit = 304;
 constexpr const char* kAplPath = "/sys/kernel/zarel_display/panel_apl_value";
 constexpr size_t kAplTextSize = 128;
 constexpr int kAplAttempts = 5;
-constexpr uint32_t kRecordMarker = 0xDEADBEEF;
+constexpr auto kAplRetryDelay = std::chrono::milliseconds(2);
 
 void appendTime(std::vector<int32_t>* values, int64_t time) {
     values->push_back(static_cast<int32_t>(static_cast<uint64_t>(time) >> 32));
@@ -54,7 +46,7 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
                                            std::vector<int32_t>* values, Error* _aidl_return) {
     // No result word: a feature id without a branch leaves it unset. The nested request has one.
     CwbStats::Request request(mStats, CwbStats::Method::getCwbValue, &rect, nullptr, featureId);
-    if (featureId < 1 || featureId > 14) {
+    if (featureId < kFeatureIdFirst || featureId > kFeatureIdLast) {
         ALOGE("%s error ID = %d", "getCwbValue", featureId);
         *_aidl_return = Error::INVALID_ARGUMENT;
         return ndk::ScopedAStatus::ok();
@@ -79,7 +71,7 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
     };
     switch (featureId) {
         case CWB_RGB_VALUE:
-            displayId = 0;
+            displayId = kDisplayMain;
             mDisplayId = displayId;
             rgbStep();
             break;
@@ -95,8 +87,8 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
         }
         case CWB_RGB_VALUE_SEC:
             ALOGI("MORVIK_AI::CWB_RGB_VALUE_SEC::in_featureId=%d", featureId);
-            if (mDisplayIdSec == -1) {
-                ALOGE("%s error ID = %d", "getCwbValue", -1);
+            if (mDisplayIdSec == kNoDisplay) {
+                ALOGE("%s error ID = %d", "getCwbValue", kNoDisplay);
                 *_aidl_return = Error::INVALID_ARGUMENT;
                 return ndk::ScopedAStatus::ok();
             }
@@ -130,9 +122,8 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
         } else {
             // One wait, no predicate: the next layer change (or the bound) ends it.
             const auto start = std::chrono::steady_clock::now();
-            mLayerChangeCond.wait_for(lock, std::chrono::milliseconds(50));
-            if (std::chrono::steady_clock::now() - start >= std::chrono::milliseconds(50) &&
-                mDebugLog) {
+            mLayerChangeCond.wait_for(lock, kLayerChangeWait);
+            if (std::chrono::steady_clock::now() - start >= kLayerChangeWait && mDebugLog) {
                 ALOGI("WaitForLayerChange timeout\n");
             }
         }
@@ -203,11 +194,6 @@ int32_t CwbService::sendQServiceQuery(int32_t displayId, uint32_t command) {
     return out.readInt32();
 }
 
-ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
-    panelLoading(mDisplayId, loading);
-    return ndk::ScopedAStatus::ok();
-}
-
 void CwbService::panelLoading(int32_t displayId, int* loading) {
     std::vector<unsigned int> apl = {0, 0, 0};
     int32_t panelApl = 0;
@@ -218,7 +204,7 @@ void CwbService::panelLoading(int32_t displayId, int* loading) {
         bool ok = false;
         for (int attempt = 0; attempt < kAplAttempts && !ok; ++attempt) {
             ok = getDisplayPanelAplValue(apl) >= 1 && !apl.empty();
-            if (!ok) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            if (!ok) std::this_thread::sleep_for(kAplRetryDelay);
         }
         const unsigned int high = apl.size() > 0 ? apl[0] : 0;
         const unsigned int low = apl.size() > 1 ? apl[1] : 0;
@@ -374,19 +360,14 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
     const int32_t W = rect.right - rect.left;
     const int32_t H = rect.bottom - rect.top;
     const int64_t crop = static_cast<int64_t>(H) * W * 3;
-    const int64_t total = crop + 12;
+    const int64_t total = crop + static_cast<int64_t>(kRecordOverhead);
     if (mDebugLog) {
         ALOGD("MORVIK_AI::CwbService::BufferHandle[unaligned_width=%d, height=%d, width=%d] || "
               "Rect[right=%d, left=%d, bottom=%d, top=%d]",
               static_cast<int>(info.unaligned_width), static_cast<int>(info.height),
               static_cast<int>(info.width), rect.right, rect.left, rect.bottom, rect.top);
     }
-    const bool inside =
-            rect.left >= 0 && rect.top >= 0 && rect.left < rect.right && rect.top < rect.bottom &&
-            static_cast<uint64_t>(rect.right) <= info.unaligned_width &&
-            static_cast<uint64_t>(rect.bottom) <= info.height &&
-            info.width >= info.unaligned_width && info.width * info.height * 3 <= info.size;
-    if (!inside) {
+    if (!rectInsideBuffer(info, rect)) {
         ALOGE("MORVIK_AI::crop [%d,%d,%d,%d] lies outside the %dx%d capture buffer", rect.left,
               rect.top, rect.right, rect.bottom, static_cast<int>(info.unaligned_width),
               static_cast<int>(info.height));
@@ -412,9 +393,9 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
     const size_t rowBytes = static_cast<size_t>(W) * 3;
     const size_t origin =
             (static_cast<size_t>(rect.top) * info.width + static_cast<size_t>(rect.left)) * 3;
-    copyRows(region + 8, rowBytes, base + origin, static_cast<size_t>(info.width) * 3, rowBytes,
-             static_cast<size_t>(H));
-    memcpy(region + 8 + crop, &kRecordMarker, sizeof(kRecordMarker));
+    copyRows(region + kRecordPixelsOffset, rowBytes, base + origin,
+             static_cast<size_t>(info.width) * 3, rowBytes, static_cast<size_t>(H));
+    memcpy(region + kRecordPixelsOffset + crop, &kRecordMarker, sizeof(kRecordMarker));
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::display The screen is sliding - Copy screenshot");
     msync(region, static_cast<size_t>(total), MS_SYNC);
     mStats.count(CwbStats::Counter::Copies);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 class CwbService;
@@ -24,9 +23,6 @@ class CwbProxy {
             const {
         return mCwbService;
     }
-
-    static CwbProxy* mCwbProxy;
-    static std::mutex mMutex;
 
   private:
     std::shared_ptr<aidl::vendor::zarel::hardware::cwb::implementation::CwbService> mCwbService;

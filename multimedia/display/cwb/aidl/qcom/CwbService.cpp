@@ -21,7 +21,7 @@
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
-std::atomic<int32_t> mLightModeID{2};
+std::atomic<int32_t> mLightModeID{CWB_LEGACY_VALUE};
 
 namespace {
 
@@ -30,8 +30,6 @@ using ::aidl::android::hardware::common::NativeHandle;
 
 constexpr const char* kDisplayConfigInstance =
         "vendor.qti.hardware.display.config.IDisplayConfig/default";
-constexpr uint32_t kQServiceSetColorMode = 39;
-constexpr uint32_t kQServiceAplSetup = 302;
 
 // Forwards the vendor's writeback completions to the service for as long as the service lives.
 class CwbCallback : public dc::BnDisplayConfigCallback, public CwbCallbackBase {
@@ -143,10 +141,8 @@ CwbService::~CwbService() NO_THREAD_SAFETY_ANALYSIS {
     // No completion may reach this object any more, whatever the vendor still holds.
     mCwbCallback->detach();
     // Both displays' buffers go: the one not selected now would otherwise leak.
-    if (mCwbBufferHandle.base != nullptr) mGrallocHelper->FreeBuffer(&mCwbNativeHandle);
-    if (mCwbBufferHandle_sec.base != nullptr) mGrallocHelper->FreeBuffer(&mCwbNativeHandle_sec);
-    mCwbBufferHandle.base = nullptr;
-    mCwbBufferHandle_sec.base = nullptr;
+    releaseCwbBuffer(kDisplayMain);
+    releaseCwbBuffer(kDisplaySecondary);
     release();
 }
 
@@ -175,9 +171,10 @@ ndk::ScopedAStatus CwbService::registerCallback(const std::shared_ptr<ICwbCallba
     CwbStats::Request request(mStats, CwbStats::Method::registerCallback, nullptr, _aidl_return);
     *_aidl_return = Error::NONE;
     if (callback == nullptr) return ndk::ScopedAStatus::ok();
+    const uint64_t cookie = generateCookie();
     {
         std::lock_guard<std::mutex> lock(mCallbackMutex);
-        mCallbacks.emplace(mCookie++, callback);
+        mCallbacks.emplace(cookie, callback);
     }
     // Outside the lock: a client may call back into the service from its notification.
     callback->notifyCwbStatus(mCwbStatus);
@@ -231,16 +228,17 @@ void CwbService::updateCwbStatus(bool status) {
 ndk::ScopedAStatus CwbService::enable(bool* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::enable, _aidl_return);
     ALOGI("Enable Cwb function.");
-    mCwbEnabled = true;
-    notifyCwbStatus();
-    *_aidl_return = true;
-    return ndk::ScopedAStatus::ok();
+    return switchCwb(true, _aidl_return);
 }
 
 ndk::ScopedAStatus CwbService::disable(bool* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::disable, _aidl_return);
     ALOGI("Disable Cwb function.");
-    mCwbEnabled = false;
+    return switchCwb(false, _aidl_return);
+}
+
+ndk::ScopedAStatus CwbService::switchCwb(bool enabled, bool* _aidl_return) {
+    mCwbEnabled = enabled;
     notifyCwbStatus();
     *_aidl_return = true;
     return ndk::ScopedAStatus::ok();
@@ -281,8 +279,8 @@ void CwbService::disablePostProcessed(bool disable) {
     if (readIntProperty("ro.vendor.zarel.display.cwb.postprocess", "0") == 0) return;
     ALOGI("%s post processed effect in AP side.\n", disable ? "Disable" : "Enable");
     if (disable) {
-        setColorMode(mDisplayIdMain, 7, 300);
-        setColorMode(mDisplayIdSec, 7, 300);
+        setColorMode(mDisplayIdMain, kColorModeNative, kRenderIntentNoPostProcess);
+        setColorMode(mDisplayIdSec, kColorModeNative, kRenderIntentNoPostProcess);
     } else {
         setColorMode(mDisplayIdMain, mColorModeMain, mRenderIntentMain);
         setColorMode(mDisplayIdSec, mColorModeSec, mRenderIntentSec);
@@ -334,37 +332,14 @@ bool CwbService::setupAvailableConfigs() {
         config = displayConfig();
     }
     int32_t count = 0;
-    config->getConfigCount(dc::DisplayType::PRIMARY, &count);
-    if (count <= 0) return false;
     DisplayAttributes record{};
-    for (int32_t i = 0; i < count; ++i) {
-        config->getDisplayAttributes(i, dc::DisplayType::PRIMARY, &record);
-        mConfigs.push_back(record);
-    }
-    mConfigsSize.store(mConfigs.size(), std::memory_order_release);
-    for (size_t i = 0; i < mConfigs.size(); ++i) {
-        ALOGI("ConfigID %d: vsync_period = %d, width = %d, height = %d.", static_cast<int>(i),
-              mConfigs[i].vsyncPeriod, mConfigs[i].xRes, mConfigs[i].yRes);
-    }
+    if (!readConfigs(*config, false, &count, &record)) return false;
     if (mActiveConfig >= mConfigs.size()) {
         ALOGI("CwbService::setupAvailableConfigs: mActiveConfig:%u, size:%zu", mActiveConfig.load(),
               mConfigs.size());
         mActiveConfig = mActiveConfig % mConfigs.size();
     }
-    if (mDisplayIdSec != -1) {
-        config->getConfigCount(dc::DisplayType::BUILTIN2, &count);
-        if (count <= 0) return false;
-        for (int32_t i = 0; i < count; ++i) {
-            config->getDisplayAttributes(i, dc::DisplayType::BUILTIN2, &record);
-            mConfigsSec.push_back(record);
-        }
-        mConfigsSecSize.store(mConfigsSec.size(), std::memory_order_release);
-        for (size_t i = 0; i < mConfigsSec.size(); ++i) {
-            ALOGI("ConfigID mDisplayIdSec:%d: vsync_period = %d, width = %d, height = %d.",
-                  static_cast<int>(i), mConfigsSec[i].vsyncPeriod, mConfigsSec[i].xRes,
-                  mConfigsSec[i].yRes);
-        }
-    }
+    if (mDisplayIdSec != kNoDisplay && !readConfigs(*config, true, &count, &record)) return false;
     if (mAplReadSupport) {
         ::android::sp<qService::IQService> binder = getBinder();
         if (binder != nullptr) {
@@ -374,6 +349,25 @@ bool CwbService::setupAvailableConfigs() {
             in.writeInt32(1);
             binder->dispatch(kQServiceAplSetup, &in, &out);
         }
+    }
+    return true;
+}
+
+bool CwbService::readConfigs(IDisplayConfig& config, bool secondary, int32_t* count,
+                             DisplayAttributes* record) {
+    const dc::DisplayType type = secondary ? dc::DisplayType::BUILTIN2 : dc::DisplayType::PRIMARY;
+    std::vector<DisplayAttributes>& list = secondary ? mConfigsSec : mConfigs;
+    config.getConfigCount(type, count);
+    if (*count <= 0) return false;
+    for (int32_t i = 0; i < *count; ++i) {
+        config.getDisplayAttributes(i, type, record);
+        list.push_back(*record);
+    }
+    (secondary ? mConfigsSecSize : mConfigsSize).store(list.size(), std::memory_order_release);
+    for (size_t i = 0; i < list.size(); ++i) {
+        ALOGI("ConfigID %s%d: vsync_period = %d, width = %d, height = %d.",
+              secondary ? "mDisplayIdSec:" : "", static_cast<int>(i), list[i].vsyncPeriod,
+              list[i].xRes, list[i].yRes);
     }
     return true;
 }
@@ -412,10 +406,10 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
     if (!mConfigInitialized) return false;
     const std::vector<DisplayAttributes>* list = nullptr;
     uint32_t index = 0;
-    if (displayId == 0) {
+    if (displayId == kDisplayMain) {
         list = &mConfigs;
         index = mActiveConfig;
-    } else if (displayId == 3) {
+    } else if (displayId == kDisplaySecondary) {
         list = &mConfigsSec;
         index = mActiveConfigSec;
     }
@@ -423,15 +417,6 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
     if (list == nullptr || list->empty()) return false;
     *out = (*list)[index % list->size()];
     return true;
-}
-
-void CwbService::getResolution(uint32_t& width, uint32_t& height) {
-    const int32_t displayId = mDisplayId;
-    if (displayId != 0 && displayId != 3) return;
-    DisplayAttributes attributes{};
-    activeAttributes(displayId, &attributes);
-    width = static_cast<uint32_t>(attributes.xRes);
-    height = static_cast<uint32_t>(attributes.yRes);
 }
 
 // ---- Power, colour mode and overlay-layer state ----
@@ -445,8 +430,8 @@ void CwbService::setPowerMode(uint64_t display, int mode) {
         ALOGI("CwbService::setPowerMode(): display %d, mode: %d", static_cast<int>(display), mode);
         mPowerModeSec = mode;
     }
-    if (mode != 1) {
-        if (mode == 0 && mDisablePostProcessed) {
+    if (mode != kPowerDoze) {
+        if (mode == kPowerOff && mDisablePostProcessed) {
             mDisablePostProcessed = false;
             disablePostProcessed(false);
         }
@@ -482,7 +467,7 @@ void CwbService::fodLayerExist(bool exist) {
 bool CwbService::captureScreenAllowed() {
     const nsecs_t now = systemTime(SYSTEM_TIME_MONOTONIC);
     std::lock_guard<std::mutex> lock(mCwbMutex);
-    const bool allowed = mLastCwbTime + 50000000 < now;
+    const bool allowed = mLastCwbTime + kCaptureGateNs < now;
     if (!allowed && mDebugLog) ALOGD("no need capturescreen\n");
     if (!allowed) mStats.count(CwbStats::Counter::RefusedGate);
     return allowed;

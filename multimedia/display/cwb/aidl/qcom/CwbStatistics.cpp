@@ -23,10 +23,6 @@ namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
 namespace {
 
-constexpr auto kRequestLockTimeout = std::chrono::milliseconds(50);
-constexpr int kPowerOff = 0;
-constexpr int kPowerDoze = 1;
-constexpr int kPowerDozeSuspend = 3;
 constexpr int kAodCaptureLimit = 3;
 
 // An empty rectangle (right <= left or bottom <= top) gives zero width or height.
@@ -45,13 +41,22 @@ PixelRect pixelRect(const void* buffer, unsigned int stride, const Rect& rect) {
 class ServedDisplay {
   public:
     ServedDisplay(int32_t& slot, int32_t displayId) : mSlot(slot) { mSlot = displayId; }
-    ~ServedDisplay() { mSlot = -1; }
+    ~ServedDisplay() { mSlot = kNoDisplay; }
     ServedDisplay(const ServedDisplay&) = delete;
     ServedDisplay& operator=(const ServedDisplay&) = delete;
 
   private:
     int32_t& mSlot;
 };
+
+// The cached result for work, counted as a hit, when the frame it came from may still answer.
+template <typename Value, size_t Capacity>
+const Value* currentHit(bool usable, const ResultCache<Value, Capacity>& cache, const Rect& work,
+                        CwbStats& stats, CwbStats::Counter hits) {
+    const Value* hit = usable ? cache.find(work) : nullptr;
+    if (hit != nullptr) stats.count(hits);
+    return hit;
+}
 
 bool spreadWithin(const ColorRange& range, int limit) {
     for (int c = 0; c < 3; ++c) {
@@ -64,11 +69,58 @@ bool spreadWithin(const ColorRange& range, int limit) {
 
 // The power mode of the display being sampled; other ids keep the last one.
 void CwbService::selectPowerMode(int32_t displayId) {
-    if (displayId == 0) {
+    if (displayId == kDisplayMain) {
         mPowerMode = mPowerModeMain;
-    } else if (displayId == 3) {
+    } else if (displayId == kDisplaySecondary) {
         mPowerMode = mPowerModeSec;
     }
+}
+
+// ---- The analysis request frame ----
+
+// Status, display, rectangle, request lock, power mode, cache, screen-off rule, capture gate and
+// writeback, in that order, for every analysis request. The request supplies what differs: its
+// cache lookup, its screen-off rule, the failure line and its pass, each run under the lock.
+template <typename Cached, typename ScreenOff, typename Failed, typename Pass>
+int32_t CwbService::analyse(int32_t displayId, const Rect& rect, const AnalysisKind& kind,
+                            Cached cached, ScreenOff screenOff, Failed failed, Pass pass) {
+    if (!mCwbStatus || !mCwbEnabled) {
+        mStats.count(CwbStats::Counter::RefusedDisabled);
+        return static_cast<int32_t>(Error::FAILED);
+    }
+    if (displayId < 0) {
+        ALOGE("No valid display ID specified");
+        mStats.count(CwbStats::Counter::RefusedNoDisplay);
+        return static_cast<int32_t>(Error::FAILED);
+    }
+    Rect work{};
+    if (!checkInputRect(displayId, rect, work))
+        return static_cast<int32_t>(Error::INVALID_ARGUMENT);
+    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
+        ALOGI("%s: resource busy\n", kind.name);
+        mStats.count(CwbStats::Counter::RefusedBusy);
+        return static_cast<int32_t>(Error::FAILED);
+    }
+    AdoptedLock lock(mRequestLock);
+    ServedDisplay served(mRequestDisplayId, displayId);
+
+    selectPowerMode(displayId);
+    int32_t result = 0;
+    if (cached(work, &result)) return result;
+    if (screenOff()) {
+        mStats.count(CwbStats::Counter::RefusedScreenOff);
+        return static_cast<int32_t>(Error::SCREEN_OFF);
+    }
+    if (!captureScreenAllowed()) return static_cast<int32_t>(Error::FAILED);
+    const int ret = writeback(displayId, kind.secondary, work, kind.postProcessed);
+    const CwbBufferInfo& buffer = kind.secondary ? mCwbBufferHandle_sec : mCwbBufferHandle;
+    // The rectangle was checked against the configuration; the buffer must hold it too.
+    if (ret != 0 || !rectInsideBuffer(buffer, work)) {
+        failed(ret);
+        mStats.count(CwbStats::Counter::CaptureFailed);
+        return static_cast<int32_t>(Error::FAILED);
+    }
+    return pass(buffer, work);
 }
 
 // ---- RGB ----
@@ -86,106 +138,68 @@ ndk::ScopedAStatus CwbService::getRGBValue(int32_t displayId, const Rect& rect, 
               rect.right, rect.bottom, mPowerModeMain.load(), mPowerModeSec.load(), displayId);
     }
     std::array<unsigned char, 3> codes = {0, 0, 0};
-    unsigned short state = 0;
-    auto finish = [&](int32_t result) {
-        rgb->r = codes[0];
-        rgb->g = codes[1];
-        rgb->b = codes[2];
-        rgb->extra.clear();
-        *_aidl_return = static_cast<Error>(result);
-        return ndk::ScopedAStatus::ok();
+    // Either display, with its post-processing as configured; a frame kept for the doze-suspend
+    // screen still answers.
+    const AnalysisKind kind{"getRGBValue", displayId == kDisplaySecondary, mPostProcess};
+    auto cached = [&](const Rect& work, int32_t* result) REQUIRES(mRequestLock) {
+        const auto* hit = currentHit(mBufferCacheValid || mPowerMode == kPowerDozeSuspend,
+                                     mRgbCache, work, mStats, CwbStats::Counter::RgbCacheHits);
+        if (hit == nullptr) return false;
+        codes = hit->first;
+        mRgbCacheHit = true;
+        if (mDebugLog) ALOGD("cache Screen RGB value: %d, %d, %d\n", codes[0], codes[1], codes[2]);
+        *result = static_cast<int32_t>(hit->second) << 16;
+        return true;
     };
-    if (!mCwbStatus || !mCwbEnabled) {
-        mStats.count(CwbStats::Counter::RefusedDisabled);
-        return finish(static_cast<int32_t>(Error::FAILED));
-    }
-    if (displayId < 0) {
-        ALOGE("No valid display ID specified");
-        mStats.count(CwbStats::Counter::RefusedNoDisplay);
-        return finish(static_cast<int32_t>(Error::FAILED));
-    }
-    Rect work{};
-    if (!checkInputRect(displayId, rect, work)) {
-        return finish(static_cast<int32_t>(Error::INVALID_ARGUMENT));
-    }
-    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
-        ALOGI("%s: resource busy\n", "getRGBValue");
-        mStats.count(CwbStats::Counter::RefusedBusy);
-        return finish(static_cast<int32_t>(Error::FAILED));
-    }
-    AdoptedLock lock(mRequestLock);
-    ServedDisplay served(mRequestDisplayId, displayId);
-
-    selectPowerMode(displayId);
-    if (mBufferCacheValid || mPowerMode == kPowerDozeSuspend) {
-        if (const auto* cached = mRgbCache.find(work)) {
-            codes = cached->first;
-            state = cached->second;
-            mRgbCacheHit = true;
-            mStats.count(CwbStats::Counter::RgbCacheHits);
-            if (mDebugLog) {
-                ALOGD("cache Screen RGB value: %d, %d, %d\n", codes[0], codes[1], codes[2]);
-            }
-            return finish(static_cast<int32_t>(state) << 16);
-        }
-    }
-    if (mDebugLog) {
-        ALOGD("mCachePowerMode %d, mPowerMode %d, mAodForbiddenCnt %d\n", mCachePowerMode.load(),
-              mPowerMode, mAodForbiddenCnt);
-    }
-    if (mPowerMode == kPowerDoze && !(mCachePowerMode == kPowerDoze && mBufferCacheValid)) {
-        mAodForbiddenCnt = 0;
-        if (mDebugLog) ALOGD("doze reset mAodForbiddenCnt %d", 0);
-    }
-    mCachePowerMode = mPowerMode;
-    if (mPowerMode == kPowerOff || mPowerMode == kPowerDozeSuspend ||
-        (mAodForbidden && mAodLayerExist && mAodForbiddenCnt >= kAodCaptureLimit)) {
+    // Off and doze-suspend screens refuse; on a forbidden AOD layer a few captures pass first.
+    auto screenOff = [&]() REQUIRES(mRequestLock) {
         if (mDebugLog) {
-            ALOGD("Screen power off and status: %d %d %d %d\n", mPowerMode, displayId,
-                  mAodForbidden, mAodLayerExist.load());
+            ALOGD("mCachePowerMode %d, mPowerMode %d, mAodForbiddenCnt %d\n",
+                  mCachePowerMode.load(), mPowerMode, mAodForbiddenCnt);
         }
-        mStats.count(CwbStats::Counter::RefusedScreenOff);
-        return finish(static_cast<int32_t>(Error::SCREEN_OFF));
-    }
-    if (!captureScreenAllowed()) return finish(static_cast<int32_t>(Error::FAILED));
-
-    int ret = 0;
-    if (displayId == 0) {
-        ret = writeback(displayId, false, work, mPostProcess);
-    } else if (displayId == 3) {
-        ret = writeback(displayId, true, work, mPostProcess);
-    }
-    mRgbCacheHit = false;
-
-    const CwbBufferInfo* chosen = nullptr;
-    if (ret == 0) {
-        if (displayId == 0 && mCwbBufferHandle.base != nullptr) {
-            chosen = &mCwbBufferHandle;
-        } else if (displayId == 3 && mCwbBufferHandle_sec.base != nullptr) {
-            chosen = &mCwbBufferHandle_sec;
+        if (mPowerMode == kPowerDoze && !(mCachePowerMode == kPowerDoze && mBufferCacheValid)) {
+            mAodForbiddenCnt = 0;
+            if (mDebugLog) ALOGD("doze reset mAodForbiddenCnt %d", 0);
         }
-    }
-    // The rectangle was checked against the configuration; the buffer must hold it too.
-    if (chosen != nullptr && !rectInsideBuffer(*chosen, work)) chosen = nullptr;
-    int32_t result = 0;
-    if (chosen == nullptr) {
-        mStats.count(CwbStats::Counter::CaptureFailed);
+        mCachePowerMode = mPowerMode;
+        if (mPowerMode == kPowerOff || mPowerMode == kPowerDozeSuspend ||
+            (mAodForbidden && mAodLayerExist && mAodForbiddenCnt >= kAodCaptureLimit)) {
+            if (mDebugLog) {
+                ALOGD("Screen power off and status: %d %d %d %d\n", mPowerMode, displayId,
+                      mAodForbidden, mAodLayerExist.load());
+            }
+            return true;
+        }
+        return false;
+    };
+    auto captured = [&]() REQUIRES(mRequestLock) {
+        mRgbCacheHit = false;
+        if (mAodForbiddenCnt < kAodCaptureLimit) ++mAodForbiddenCnt;
+    };
+    auto failed = [&](int ret) REQUIRES(mRequestLock) {
+        captured();
         if (mDebugLog) {
             ALOGD("getRGBValue faild ret = %d, mCwbBufferHandle = %p, mCwbBufferHandle_sec = %p",
                   ret, mCwbBufferHandle.base, mCwbBufferHandle_sec.base);
         }
-        codes = {0, 0, 0};
-        result = static_cast<int32_t>(Error::FAILED);
-    } else {
-        calcPixelsRGB(chosen->base, static_cast<unsigned int>(chosen->width), work, codes, state);
+    };
+    auto pass = [&](const CwbBufferInfo& buffer, const Rect& work) REQUIRES(mRequestLock) {
+        captured();
+        unsigned short state = 0;
+        calcPixelsRGB(buffer.base, static_cast<unsigned int>(buffer.width), work, codes, state);
         if (mDebugLog) {
             ALOGD("Screen RGB value: %d, %d, %d. state: %x\n", codes[0], codes[1], codes[2], state);
         }
         mRgbCache.put(work, {codes, state});
-        result = static_cast<int32_t>(state) << 16;
-    }
-    if (mAodForbiddenCnt < kAodCaptureLimit) ++mAodForbiddenCnt;
-    return finish(result);
+        return static_cast<int32_t>(state) << 16;
+    };
+    const int32_t result = analyse(displayId, rect, kind, cached, screenOff, failed, pass);
+    rgb->r = codes[0];
+    rgb->g = codes[1];
+    rgb->b = codes[2];
+    rgb->extra.clear();
+    *_aidl_return = static_cast<Error>(result);
+    return ndk::ScopedAStatus::ok();
 }
 
 void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
@@ -198,9 +212,10 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
     const int32_t height = rect.bottom - rect.top;
     const uint32_t pixelCount = static_cast<uint32_t>(width) * static_cast<uint32_t>(height);
     const std::vector<int32_t>* weights = nullptr;
-    if (displayId == 3 && static_cast<uint32_t>(weightspos_count_sec) == pixelCount) {
+    if (displayId == kDisplaySecondary &&
+        static_cast<uint32_t>(weightspos_count_sec) == pixelCount) {
         weights = &weightspos_sec;
-    } else if (displayId == 0 && static_cast<uint32_t>(weightspos_count) == pixelCount) {
+    } else if (displayId == kDisplayMain && static_cast<uint32_t>(weightspos_count) == pixelCount) {
         weights = &weightspos;
     }
     const bool needWeights = weights != nullptr && weights->size() >= pixelCount;
@@ -282,52 +297,28 @@ Error CwbService::lumaRequest(int32_t displayId, const Rect& rect, float* luma) 
     if (mDebugLog) {
         ALOGD("getLumasValue [%d,%d,%d,%d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
-    auto finish = [&](Error result, float value) {
-        *luma = value;
-        return result;
-    };
-    if (!mCwbEnabled || !mCwbStatus) {
-        mStats.count(CwbStats::Counter::RefusedDisabled);
-        return finish(Error::FAILED, 0.0f);
-    }
-    if (displayId < 0) {
-        ALOGE("No valid display ID specified");
-        mStats.count(CwbStats::Counter::RefusedNoDisplay);
-        return finish(Error::FAILED, 0.0f);
-    }
-    Rect work{};
-    if (!checkInputRect(displayId, rect, work)) return finish(Error::INVALID_ARGUMENT, 0.0f);
-    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
-        ALOGI("%s: resource busy\n", "getLumasValue");
-        mStats.count(CwbStats::Counter::RefusedBusy);
-        return finish(Error::FAILED, 0.0f);
-    }
-    AdoptedLock lock(mRequestLock);
-    if (mBufferCacheValid) {
-        if (const float* cached = mLumaCache.find(work)) {
-            mStats.count(CwbStats::Counter::LumaCacheHits);
-            return finish(Error::NONE, *cached);
-        }
-    }
-    selectPowerMode(displayId);
-    if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
-        if (mDebugLog) ALOGD("Screen power off\n");
-        mStats.count(CwbStats::Counter::RefusedScreenOff);
-        return finish(Error::SCREEN_OFF, 0.0f);
-    }
-    if (!captureScreenAllowed()) return finish(Error::FAILED, 0.0f);
+    float value = 0.0f;
     // The luma always comes from the main display, without post-processing.
-    const int ret = writeback(displayId, false, work, false);
-    if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
-        ALOGD("Get Luma error\n");
-        mStats.count(CwbStats::Counter::CaptureFailed);
-        return finish(Error::FAILED, 0.0f);
-    }
-    const float value = calcPixelsLumas(mCwbBufferHandle.base,
-                                        static_cast<unsigned int>(mCwbBufferHandle.width), work);
-    if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(value));
-    mLumaCache.put(work, value);
-    return finish(Error::NONE, value);
+    const AnalysisKind kind{"getLumasValue", false, false};
+    auto cached = [&](const Rect& work, int32_t* result) REQUIRES(mRequestLock) {
+        const float* hit = currentHit(mBufferCacheValid, mLumaCache, work, mStats,
+                                      CwbStats::Counter::LumaCacheHits);
+        if (hit == nullptr) return false;
+        value = *hit;
+        *result = static_cast<int32_t>(Error::NONE);
+        return true;
+    };
+    auto screenOff = [&]() REQUIRES(mRequestLock) { return offOrAodForbidden(); };
+    auto failed = [](int /*ret*/) { ALOGD("Get Luma error\n"); };
+    auto pass = [&](const CwbBufferInfo& buffer, const Rect& work) REQUIRES(mRequestLock) {
+        value = calcPixelsLumas(buffer.base, static_cast<unsigned int>(buffer.width), work);
+        if (mDebugLog) ALOGD("Screen Luma value: %f.\n", static_cast<double>(value));
+        mLumaCache.put(work, value);
+        return static_cast<int32_t>(Error::NONE);
+    };
+    const int32_t result = analyse(displayId, rect, kind, cached, screenOff, failed, pass);
+    *luma = value;
+    return static_cast<Error>(result);
 }
 
 float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) {
@@ -353,59 +344,42 @@ ndk::ScopedAStatus CwbService::getHistogramValue(int32_t displayId, const Rect& 
     if (mDebugLog) {
         ALOGD("getHistogramValue [%d, %d, %d, %d]\n", rect.left, rect.top, rect.right, rect.bottom);
     }
-    auto fail = [&](Error result) {
-        histogram->counts.fill(0);
-        *_aidl_return = result;
-        return ndk::ScopedAStatus::ok();
+    // The main display, after its post-processing.
+    const AnalysisKind kind{"getHistogramValue", false, true};
+    auto cached = [&](const Rect& work, int32_t* result) REQUIRES(mRequestLock) {
+        const Histogram* hit = currentHit(mBufferCacheValid, mHistogramCache, work, mStats,
+                                          CwbStats::Counter::HistogramCacheHits);
+        if (hit == nullptr) return false;
+        *histogram = *hit;
+        *result = static_cast<int32_t>(Error::NONE);
+        return true;
     };
-    if (!mCwbEnabled || !mCwbStatus) {
-        mStats.count(CwbStats::Counter::RefusedDisabled);
-        return fail(Error::FAILED);
-    }
-    if (displayId < 0) {
-        ALOGE("No valid display ID specified");
-        mStats.count(CwbStats::Counter::RefusedNoDisplay);
-        return fail(Error::FAILED);
-    }
-    Rect work{};
-    if (!checkInputRect(displayId, rect, work)) return fail(Error::INVALID_ARGUMENT);
-    if (!mRequestLock.try_lock_for(kRequestLockTimeout)) {
-        ALOGI("%s: resource busy\n", "getHistogramValue");
-        mStats.count(CwbStats::Counter::RefusedBusy);
-        return fail(Error::FAILED);
-    }
-    AdoptedLock lock(mRequestLock);
-    if (mBufferCacheValid) {
-        if (const Histogram* cached = mHistogramCache.find(work)) {
-            mStats.count(CwbStats::Counter::HistogramCacheHits);
-            *histogram = *cached;
-            *_aidl_return = Error::NONE;
-            return ndk::ScopedAStatus::ok();
-        }
-    }
-    selectPowerMode(displayId);
+    auto screenOff = [&]() REQUIRES(mRequestLock) { return offOrAodForbidden(); };
+    auto failed = [](int /*ret*/) { ALOGD("Get Histogram error\n"); };
+    auto pass = [&](const CwbBufferInfo& buffer, const Rect& work) REQUIRES(mRequestLock) {
+        unsigned int bins[256][3] = {};
+        calcPixelsHistogram(buffer.base, static_cast<unsigned int>(buffer.width), work, bins);
+        static_assert(sizeof(bins) == sizeof(Histogram{}.counts), "level-major 256 x 3 counters");
+        Histogram result;
+        memcpy(result.counts.data(), bins, sizeof(bins));
+        mHistogramCache.put(work, result);
+        *histogram = result;
+        return static_cast<int32_t>(Error::NONE);
+    };
+    const int32_t result = analyse(displayId, rect, kind, cached, screenOff, failed, pass);
+    if (result != static_cast<int32_t>(Error::NONE)) histogram->counts.fill(0);
+    *_aidl_return = static_cast<Error>(result);
+    return ndk::ScopedAStatus::ok();
+}
+
+// The screen-off rule of the luma and histogram requests: an off screen, or any forbidden AOD
+// layer.
+bool CwbService::offOrAodForbidden() {
     if (mPowerMode == kPowerOff || (mAodForbidden && mAodLayerExist)) {
         if (mDebugLog) ALOGD("Screen power off\n");
-        mStats.count(CwbStats::Counter::RefusedScreenOff);
-        return fail(Error::SCREEN_OFF);
+        return true;
     }
-    if (!captureScreenAllowed()) return fail(Error::FAILED);
-    const int ret = writeback(displayId, false, work, true);
-    if (ret != 0 || !rectInsideBuffer(mCwbBufferHandle, work)) {
-        ALOGD("Get Histogram error\n");
-        mStats.count(CwbStats::Counter::CaptureFailed);
-        return fail(Error::FAILED);
-    }
-    unsigned int bins[256][3] = {};
-    calcPixelsHistogram(mCwbBufferHandle.base, static_cast<unsigned int>(mCwbBufferHandle.width),
-                        work, bins);
-    static_assert(sizeof(bins) == sizeof(Histogram{}.counts), "level-major 256 x 3 counters");
-    Histogram result;
-    memcpy(result.counts.data(), bins, sizeof(bins));
-    mHistogramCache.put(work, result);
-    *histogram = result;
-    *_aidl_return = Error::NONE;
-    return ndk::ScopedAStatus::ok();
+    return false;
 }
 
 void CwbService::calcPixelsHistogram(void* buffer, unsigned int stride, Rect rect,

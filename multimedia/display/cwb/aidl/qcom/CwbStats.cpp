@@ -1,5 +1,7 @@
 #include "CwbStats.h"
 
+#include "DumpText.h"
+
 #include <utils/Timers.h>
 
 #include <algorithm>
@@ -49,16 +51,6 @@ constexpr const char* kMethodNames[] = {
 };
 static_assert(sizeof(kMethodNames) / sizeof(kMethodNames[0]) ==
               static_cast<size_t>(CwbStats::Method::kCount));
-
-void appendf(std::string* out, const char* format, ...) __attribute__((format(printf, 2, 3)));
-void appendf(std::string* out, const char* format, ...) {
-    char line[256];
-    va_list args;
-    va_start(args, format);
-    const int n = vsnprintf(line, sizeof(line), format, args);
-    va_end(args);
-    if (n > 0) out->append(line, std::min(static_cast<size_t>(n), sizeof(line) - 1));
-}
 
 std::string resultText(const CwbStats::Record& r) {
     if (r.result == CwbStats::kNoResult) return "-";
@@ -158,16 +150,16 @@ const char* CwbStats::name(Method method) {
 void CwbStats::print(std::string* out, int64_t nowNs) const {
     out->append("Counters:\n");
     for (size_t i = 0; i < static_cast<size_t>(Counter::kCount); ++i) {
-        appendf(out, "  %s: %" PRIu64 "\n", kCounterNames[i], value(static_cast<Counter>(i)));
+        appendf<256>(out, "  %s: %" PRIu64 "\n", kCounterNames[i], value(static_cast<Counter>(i)));
     }
     out->append("Calls:\n");
     for (size_t i = 0; i < static_cast<size_t>(Method::kCount); ++i) {
         const uint64_t n = calls(static_cast<Method>(i));
-        if (n != 0) appendf(out, "  %s: %" PRIu64 "\n", kMethodNames[i], n);
+        if (n != 0) appendf<256>(out, "  %s: %" PRIu64 "\n", kMethodNames[i], n);
     }
     Record records[kHistory];
     const size_t n = lastRequests(records, kHistory);
-    appendf(out, "Last requests (newest first, %zu):\n", n);
+    appendf<256>(out, "Last requests (newest first, %zu):\n", n);
     for (size_t i = 0; i < n; ++i) {
         const Record& r = records[i];
         std::string line = "  ";
@@ -178,11 +170,11 @@ void CwbStats::print(std::string* out, int64_t nowNs) const {
             line += " " + std::to_string(r.arg);
         }
         if (r.hasRect != 0) {
-            appendf(&line, " %d,%d,%d,%d", r.rect[0], r.rect[1], r.rect[2], r.rect[3]);
+            appendf<256>(&line, " %d,%d,%d,%d", r.rect[0], r.rect[1], r.rect[2], r.rect[3]);
         }
         line += " -> " + resultText(r);
-        appendf(&line, ", took %.3f ms, %.3f s ago\n", static_cast<double>(r.durationNs) / 1e6,
-                static_cast<double>(nowNs - r.endNs) / 1e9);
+        appendf<256>(&line, ", took %.3f ms, %.3f s ago\n", static_cast<double>(r.durationNs) / 1e6,
+                     static_cast<double>(nowNs - r.endNs) / 1e9);
         out->append(line);
     }
 }
