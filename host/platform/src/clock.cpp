@@ -87,12 +87,17 @@ bool manualTime(clockid_t id, int64_t* ns) {
 
 using SteadyTimePoint = std::chrono::steady_clock::time_point;
 
-// std::chrono::steady_clock::now() of libstdc++, by its symbol.
-SteadyTimePoint realSteadyNow() asm("__real__ZNSt6chrono3_V212steady_clock3nowEv");
+// std::chrono::steady_clock::now() of libstdc++, by its symbol. The real one is read from the
+// same clock directly rather than through __real_: a libc++ build has no such symbol to wrap.
 SteadyTimePoint wrappedSteadyNow() asm("__wrap__ZNSt6chrono3_V212steady_clock3nowEv");
 
 SteadyTimePoint wrappedSteadyNow() {
-    if (!host::clock::isManual()) return realSteadyNow();
+    if (!host::clock::isManual()) {
+        timespec now{};
+        clock_gettime(CLOCK_MONOTONIC, &now);
+        return SteadyTimePoint(std::chrono::seconds(now.tv_sec) +
+                               std::chrono::nanoseconds(now.tv_nsec));
+    }
     return SteadyTimePoint(std::chrono::nanoseconds(host::clock::monotonicNs()));
 }
 
