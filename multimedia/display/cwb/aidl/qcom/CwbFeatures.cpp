@@ -357,10 +357,6 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         mStats.count(CwbStats::Counter::Pauses);
     };
 
-    const int32_t W = rect.right - rect.left;
-    const int32_t H = rect.bottom - rect.top;
-    const int64_t crop = static_cast<int64_t>(H) * W * 3;
-    const int64_t total = crop + static_cast<int64_t>(kRecordOverhead);
     if (mDebugLog) {
         ALOGD("MORVIK_AI::CwbService::BufferHandle[unaligned_width=%d, height=%d, width=%d] || "
               "Rect[right=%d, left=%d, bottom=%d, top=%d]",
@@ -375,6 +371,11 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         countLimit();
         return -1;
     }
+    // Only now is the client's rectangle known to lie in the buffer, so its extent cannot overflow.
+    const int32_t W = rect.right - rect.left;
+    const int32_t H = rect.bottom - rect.top;
+    const int64_t crop = static_cast<int64_t>(H) * W * 3;
+    const int64_t total = crop + static_cast<int64_t>(kRecordOverhead);
     if (bufferSize < 0 || total > bufferSize || static_cast<uint64_t>(total) > mapped) {
         ALOGE("MORVIK_AI::total data size %zu (crop %zu + timestamp %zu + id %zu) > buffer size %d",
               static_cast<size_t>(total), static_cast<size_t>(crop), sizeof(int64_t),
