@@ -371,7 +371,8 @@ struct Phone {
     // A fresh capture for the next request: the cache emptied, the 50 ms spacing waited out.
     void readyForCapture() {
         service->invalidCache();
-        for (int i = 0; i < 200 && !service->captureScreenAllowed(); ++i) {
+        for (int i = 0; i < 200 && !impl::CwbServiceTestPeer(*service).captureScreenAllowed();
+             ++i) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
