@@ -1,16 +1,9 @@
-// Drives the CWB service from the input bytes: all of its client methods, every composer event,
-// several clients' callbacks, shared-memory regions of chosen sizes, and the simulated phone's
-// faults (vendor errors, drops, refusals, late completions, vendor and qservice absent, gralloc
-// failures), on a phone whose properties, weight files, APL file and panel modes the input picks.
-//
-// The phone is made once per process and reset between inputs; each input boots a fresh service
-// on it. The clock is manual and the vendor completes on the calling thread, so no input waits
-// on real time: waits that would time out return at once with the clock moved to their deadline.
-//
-// CWB_FUZZ_ECHO=1 prints the service's log lines, to see what an input reaches.
-// Memory files may be smaller than the size the service is told, and shrink while mapped: the
-// service must refuse or seal them rather than fault. CWB_FUZZ_UNDERSIZED_REGIONS=0 keeps every
-// file at least as large as declared.
+// Drives the CWB service from the input bytes: every client method and composer event, several
+// clients' callbacks, shared-memory regions and the phone's faults, on a phone whose properties,
+// device files and panel modes the input picks. The phone is made once and reset per input; the
+// clock is manual and the vendor completes on the calling thread, so no input waits on real time.
+// Regions may be smaller than declared and shrink while mapped (CWB_FUZZ_UNDERSIZED_REGIONS=0
+// keeps them whole); CWB_FUZZ_ECHO=1 prints the service's log lines.
 #include <CwbService.h>
 #include <CwbServiceTestPeer.h>
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
@@ -75,21 +68,18 @@ struct PropertyChoice {
     std::vector<const char*> values;  // nullptr leaves the property unset
 };
 
-const std::vector<PropertyChoice>& propertyChoices() {
-    static const std::vector<PropertyChoice> choices = {
-            {"ro.vendor.zarel.display.cwb.display_id", {"0", "3", "-1", nullptr, "1", "0x3"}},
-            {"ro.vendor.zarel.display.cwb.display_id_sec", {"3", nullptr, "-1", "0", "4"}},
-            {"ro.vendor.zarel.display.cwb.roi", {"1", "0", nullptr}},
-            {"ro.vendor.zarel.display.cwb.rotate", {nullptr, "0", "1", "2", "3", "4", "-1"}},
-            {"ro.vendor.zarel.display.cwb.rotate_main", {"0", "1", "2", "3", "4", "-1"}},
-            {"ro.vendor.zarel.display.cwb.rotate_sec", {"0", "1", "2", "3", "5"}},
-            {"ro.vendor.zarel.display.cwb.postprocess", {"0", "1", nullptr}},
-            {"ro.vendor.zarel.display.cwb.aod_forbidden", {"0", "1"}},
-            {"ro.vendor.zarel.display.cwb.fod_forbidden", {"0", "1"}},
-            {"ro.vendor.zarel.display.cwb.apl_read_support", {"1", "0"}},
-    };
-    return choices;
-}
+const PropertyChoice kPropertyChoices[] = {
+        {"ro.vendor.zarel.display.cwb.display_id", {"0", "3", "-1", nullptr, "1", "0x3"}},
+        {"ro.vendor.zarel.display.cwb.display_id_sec", {"3", nullptr, "-1", "0", "4"}},
+        {"ro.vendor.zarel.display.cwb.roi", {"1", "0", nullptr}},
+        {"ro.vendor.zarel.display.cwb.rotate", {nullptr, "0", "1", "2", "3", "4", "-1"}},
+        {"ro.vendor.zarel.display.cwb.rotate_main", {"0", "1", "2", "3", "4", "-1"}},
+        {"ro.vendor.zarel.display.cwb.rotate_sec", {"0", "1", "2", "3", "5"}},
+        {"ro.vendor.zarel.display.cwb.postprocess", {"0", "1", nullptr}},
+        {"ro.vendor.zarel.display.cwb.aod_forbidden", {"0", "1"}},
+        {"ro.vendor.zarel.display.cwb.fod_forbidden", {"0", "1"}},
+        {"ro.vendor.zarel.display.cwb.apl_read_support", {"1", "0"}},
+};
 
 constexpr const char* kCtRangeKey = "ro.vendor.zarel.display.cwb.ct_range";
 const char* const kCtRanges[] = {
@@ -218,18 +208,9 @@ struct Phone {
 
     // The descriptor a client hands over: a region, none, or ones that cannot be mapped.
     const ndk::ScopedFileDescriptor& descriptor(uint8_t pick) {
-        switch (pick % 7) {
-            case 3:
-                return none;
-            case 4:
-                return pipeRead;
-            case 5:
-                return readOnly;
-            case 6:
-                return closed;
-            default:
-                return regions[pick % 7];
-        }
+        const ndk::ScopedFileDescriptor* const all[] = {
+                &regions[0], &regions[1], &regions[2], &none, &pipeRead, &readOnly, &closed};
+        return *all[pick % 7];
     }
 
     void resizeRegion(int index, int64_t bytes) {
@@ -251,10 +232,10 @@ struct Phone {
         if (text) {
             device->writeWeights(panel, *text);
         } else {
-            unlink(device->hostPath(panel == PanelId::Main
-                                            ? host::device::Device::kWeightsMain
-                                            : host::device::Device::kWeightsSecondary)
-                           .c_str());
+            using host::device::Device;
+            const char* file =
+                    panel == PanelId::Main ? Device::kWeightsMain : Device::kWeightsSecondary;
+            unlink(device->hostPath(file).c_str());
         }
         current = text;
     }
@@ -293,13 +274,9 @@ int32_t coordinate(FuzzBytes& in) {
     return in.i32();
 }
 
+// Braced initialisers run in order: left, top, right, bottom.
 Rect rect(FuzzBytes& in) {
-    Rect r;
-    r.left = coordinate(in);
-    r.top = coordinate(in);
-    r.right = coordinate(in);
-    r.bottom = coordinate(in);
-    return r;
+    return Rect{coordinate(in), coordinate(in), coordinate(in), coordinate(in)};
 }
 
 int32_t size(FuzzBytes& in) {
@@ -349,13 +326,10 @@ std::optional<std::string> aplText(FuzzBytes& in) {
 void setFrame(host::device::Device& device, FuzzBytes& in, PanelId panel) {
     const FrameKind kind = in.flag() ? FrameKind::PostProcessed : FrameKind::Mixer;
     const std::vector<PanelMode> modes = device.displayConfig()->panelModes(panel);
-    int width = 64;
-    int height = 48;
-    if (!modes.empty()) {
-        const PanelMode& mode = modes[device.displayConfig()->activeMode(panel)];
-        width = mode.width;
-        height = mode.height;
-    }
+    const PanelMode mode =
+            modes.empty() ? PanelMode{64, 48, 0} : modes[device.displayConfig()->activeMode(panel)];
+    int width = mode.width;
+    int height = mode.height;
     // Sometimes a picture that does not match the mode.
     if (in.u8() % 8 == 7) {
         static const int kSides[] = {1, 7, 33, 100};
@@ -400,16 +374,372 @@ class Session {
   public:
     Session(Phone& phone, FuzzBytes& in) : mPhone(phone), mIn(in), mDevice(*phone.device) {}
 
-    void setUp();
-    void play();
-    void tearDown();
+    void setUp() {
+        host::gralloc::reset();
+        aidl::vendor::zarel::hardware::cwb::implementation::mLightModeID = 2;
+
+        for (const PropertyChoice& choice : kPropertyChoices) {
+            const char* value = choice.values[mIn.u8() % choice.values.size()];
+            if (value != nullptr) host::properties::set(choice.key, value);
+        }
+        const uint8_t ct = mIn.u8();
+        if (ct < 240) {
+            if (const char* value = kCtRanges[ct % (sizeof(kCtRanges) / sizeof(kCtRanges[0]))]) {
+                host::properties::set(kCtRangeKey, value);
+            }
+        } else {
+            host::properties::set(kCtRangeKey, mIn.text(24));
+        }
+
+        mPhone.setWeights(PanelId::Main, weightsText(mIn));
+        mPhone.setWeights(PanelId::Secondary, weightsText(mIn));
+        mPhone.setApl(aplText(mIn));
+
+        const uint8_t mainPick = mIn.u8();
+        mDevice.setPanelModes(PanelId::Main,
+                              mainPick < 248 ? kMainModes[mainPick % 7] : kMainModes[7]);
+        mDevice.setPanelModes(PanelId::Secondary, mIn.pick(kSecondaryModes));
+        for (PanelId panel : {PanelId::Main, PanelId::Secondary}) {
+            mDevice.displayConfig()->clearFrame(panel, FrameKind::PostProcessed);
+            mDevice.displayConfig()->clearFrame(panel, FrameKind::Mixer);
+            setFrame(mDevice, mIn, panel);
+        }
+        mDevice.setVendorPresent(mIn.u8() % 8 != 7);
+        mDevice.setQServicePresent(mIn.u8() % 8 != 7);
+        mDevice.qservice()->setAnswer(303, 0);
+        mDevice.qservice()->setAnswer(304, 0);
+        for (int i = 0; i < kRegionCount; ++i) mPhone.resizeRegion(i, mIn.pick(kRegionSizes));
+        for (auto& client : mPhone.clients) {
+            client->dead = false;
+            client->reentry = FuzzClient::Reentry::None;
+        }
+        gReentryBudget = 16;
+        if (mIn.u8() % 8 != 7) boot();
+    }
+
+    void play() {
+        for (int i = 0; i < kMaxOperations && !mIn.empty(); ++i) runOne();
+    }
+
+    void tearDown() {
+        gService.reset();
+        mService.reset();
+        host::binder::removeService(kServiceInstance);
+        mComposer.reset();
+        // Completions still held by the vendor would reach no one now.
+        mDevice.displayConfig()->setManualCompletion(false);
+        mDevice.displayConfig()->dropPending();
+        mDevice.displayConfig()->clearOutcomes();
+        mDevice.displayConfig()->clearRequests();
+        mDevice.qservice()->clearCommands();
+        mDevice.setVendorPresent(true);
+        mDevice.setQServicePresent(true);
+        std::error_code ec;
+        std::filesystem::remove_all(mDevice.hostPath(host::device::Device::kDumpDir), ec);
+        // Whatever the input allocated goes before it ends: libFuzzer replays an input that leaves
+        // more allocations than it found, to look for leaks.
+        host::properties::clear();
+        host::log::clear();
+        host::sandbox::resetCounts();
+        mDevice.setPanelModes(PanelId::Main, kMainModes[0]);
+        mDevice.setPanelModes(PanelId::Secondary, kSecondaryModes[0]);
+        // A destroyed service leaves no capture buffer behind.
+        if (host::gralloc::liveBuffers() != 0) {
+            fprintf(stderr, "%zu capture buffers outlive the service\n",
+                    host::gralloc::liveBuffers());
+            abort();
+        }
+    }
 
   private:
-    void boot();
-    void runOne();
-    void clientCall(uint8_t op);
-    void hostEvent(uint8_t op);
-    void phoneChange(uint8_t op);
+    void boot() {
+        if (mComposer != nullptr) return;
+        mComposer = std::make_unique<host::device::Composer>();
+        mComposer->boot();
+        mService = mComposer->proxy().service();
+        gService = mService;
+    }
+
+    void runOne() {
+        const uint8_t op = mIn.u8();
+        if (op < 128) {
+            if (mService == nullptr) {
+                boot();
+                return;
+            }
+            clientCall(op);
+        } else if (op < 192) {
+            hostEvent(op);
+        } else {
+            phoneChange(op);
+        }
+    }
+
+    void clientCall(uint8_t op) {
+        CwbService& s = *mService;
+        Error error = Error::NONE;
+        switch (op % 18) {
+            case 0: {
+                Rgb rgb;
+                s.getRGBValue(rect(mIn), &rgb, &error);
+                checkError(error, true);
+                break;
+            }
+            case 1: {
+                std::vector<float> lumas;
+                s.getLumasValue(rect(mIn), &lumas, &error);
+                checkError(error);
+                if (lumas.size() != 1) abort();
+                break;
+            }
+            case 2: {
+                Histogram histogram;
+                s.getHistogramValue(rect(mIn), &histogram, &error);
+                checkError(error);
+                break;
+            }
+            case 3: {
+                bool status = false;
+                s.getCwbPostProcessStatus(&status);
+                break;
+            }
+            case 4:
+                s.setCwbPostProcessStatus(mIn.flag(), &error);
+                break;
+            case 5:
+            case 6: {
+                const uint8_t pick = mIn.u8() % (kClientCount + 1);
+                std::shared_ptr<ICwbCallback> client;
+                if (pick < kClientCount) client = mPhone.clients[pick];
+                if (op % 18 == 5) {
+                    s.registerCallback(client, &error);
+                } else {
+                    s.unregisterCallback(client, &error);
+                }
+                break;
+            }
+            case 7:
+            case 8: {
+                bool done = false;
+                op % 18 == 7 ? s.enable(&done) : s.disable(&done);
+                break;
+            }
+            case 9: {
+                static const int32_t kDebug[] = {0, 1, -1, 2, INT_MIN};
+                std::vector<int32_t> debug(mIn.u8() % 5);
+                for (int32_t& value : debug) value = mIn.pick(kDebug);
+                s.setDebug(debug, &error);
+                break;
+            }
+            case 10:
+            case 11: {
+                const uint8_t pick = mIn.u8();
+                const int32_t id = pick < 250 ? static_cast<int8_t>(pick) % 17 : mIn.i32();
+                const Rect r = rect(mIn);
+                std::vector<int32_t> values;
+                s.getCwbValue(id, r, &values, &error);
+                checkError(error);
+                break;
+            }
+            case 12: {
+                const int32_t id = mIn.i32();
+                s.reserved(id, mIn.i32());
+                break;
+            }
+            case 13: {
+                const uint8_t pick = mIn.u8();
+                const int32_t declared = size(mIn);
+                // Unless asked for, the file holds what the service is told it holds.
+                if (!mPhone.undersizedRegions && pick % 7 < kRegionCount) {
+                    const int64_t needed = std::min<int64_t>(declared, kMaxRegionBytes);
+                    if (mPhone.regionBytes[pick % 7] < needed)
+                        mPhone.resizeRegion(pick % 7, needed);
+                }
+                s.initializeSharedMemory(0, declared, mPhone.descriptor(pick), &error);
+                break;
+            }
+            case 14: {
+                static const int32_t kIds[] = {5, 2, 3, 0, 1, 4};
+                const uint8_t pick = mIn.u8();
+                const int32_t id = pick < 250 ? kIds[pick % 6] : mIn.i32();
+                const Rect r = rect(mIn);
+                const ndk::ScopedFileDescriptor& fd = mPhone.descriptor(mIn.u8());
+                const int32_t bufferSize = size(mIn);
+                std::vector<int32_t> values;
+                s.getSharedData(id, r, fd, bufferSize, &values, &error);
+                checkError(error);
+                break;
+            }
+            case 15: {
+                std::vector<int32_t> values;
+                s.getScreenResolution(mIn.i32(), &values, &error);
+                if (values.size() != 2) abort();
+                break;
+            }
+            case 16:
+                s.releaseSharedMemory(mIn.i32(), mIn.i32(), &error);
+                break;
+            case 17: {
+                int loading = 0;
+                CwbServiceTestPeer(s).getDisplayPanelLoading(&loading);
+                break;
+            }
+        }
+    }
+
+    void hostEvent(uint8_t op) {
+        if (mComposer == nullptr) {
+            // Events before boot go to a proxy with no service, as they may on a device.
+            host::device::Composer early;
+            early.layerChange();
+            early.powerMode(0, 2);
+            return;
+        }
+        host::device::Composer& c = *mComposer;
+        switch (op % 12) {
+            case 0:
+            case 1:
+                c.layerChange();
+                break;
+            case 2: {
+                const uint64_t display = mIn.pick(kDisplays);
+                c.powerMode(display, mIn.pick(kPowerModes));
+                break;
+            }
+            case 3: {
+                const uint64_t display = mIn.pick(kDisplays);
+                c.configChange(display, mIn.u8() < 240 ? mIn.u8() % 4 : mIn.i32());
+                break;
+            }
+            case 4:
+                c.updateConfigs();
+                break;
+            case 5: {
+                static const int kModes[] = {7, 0, -1, 9};
+                static const int kIntents[] = {300, 303, 304, 307, 308, 0, -1};
+                const uint64_t display = mIn.pick(kDisplays);
+                const int mode = mIn.pick(kModes);
+                c.colorMode(display, mode, mIn.pick(kIntents));
+                break;
+            }
+            case 6:
+                c.aodLayer(mIn.flag());
+                break;
+            case 7:
+                c.fodLayer(mIn.flag());
+                break;
+            case 8:
+                c.status(mIn.flag());
+                break;
+            case 9:
+                host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
+                break;
+            case 10: {
+                // The operations the service exports to its host besides the proxy's events.
+                CwbServiceTestPeer s(*mService);
+                const uint8_t pick = mIn.u8() % 5;
+                uint32_t width = 0;
+                uint32_t height = 0;
+                Rect checked;
+                if (pick == 0) s.clearCache();
+                if (pick == 1) s.getResolution(width, height);
+                if (pick == 2) s.generateCookie();
+                if (pick == 3) s.captureScreenAllowed();
+                if (pick == 4) s.checkInputRect(rect(mIn), checked);
+                break;
+            }
+            case 11: {
+                // A completion through the vendor's legacy callback, whether or not one is awaited.
+                static const int32_t kErrors[] = {0, -1, 3};
+                mService->NotifyCWBBufferDone(mIn.pick(kErrors), nullptr);
+                break;
+            }
+        }
+    }
+
+    void phoneChange(uint8_t op) {
+        auto& vendor = *mDevice.displayConfig();
+        const PanelId panel = mIn.flag() ? PanelId::Secondary : PanelId::Main;
+        switch (op % 14) {
+            case 0:
+            case 1:
+                host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
+                break;
+            case 2: {
+                // A resolution change: new modes, then the composer tells the service.
+                const uint8_t pick = mIn.u8();
+                if (panel == PanelId::Main) {
+                    vendor.setPanelModes(panel, kMainModes[pick % 7]);
+                } else {
+                    vendor.setPanelModes(panel, kSecondaryModes[pick % 4]);
+                }
+                if (mComposer != nullptr) mComposer->updateConfigs();
+                break;
+            }
+            case 3:
+                vendor.setActiveMode(panel, mIn.u8() % 4);
+                break;
+            case 4:
+                setFrame(mDevice, mIn, panel);
+                break;
+            case 5: {
+                static const Outcome kOutcomes[] = {Outcome::Error, Outcome::Drop, Outcome::Refuse,
+                                                    Outcome::Ok};
+                static const int32_t kErrors[] = {-1, -22, 1, 0};
+                const Outcome outcome = mIn.pick(kOutcomes);
+                vendor.pushOutcome(outcome, mIn.pick(kErrors));
+                break;
+            }
+            case 6:
+                // Completions held back arrive late, after their request gave up.
+                vendor.setManualCompletion(mIn.flag());
+                break;
+            case 7: {
+                static const int32_t kErrors[] = {0, -1, -22, 5};
+                vendor.completeNext(mIn.pick(kErrors));
+                break;
+            }
+            case 8:
+                mDevice.setVendorPresent(mIn.flag());
+                break;
+            case 9:
+                mDevice.setQServicePresent(mIn.flag());
+                break;
+            case 10: {
+                static const uint32_t kCodes[] = {303, 304};
+                static const int32_t kAnswers[] = {1,   0,   2000, 1250,    1249,
+                                                   800, 799, 1,    INT_MAX, -1};
+                const uint32_t code = mIn.pick(kCodes);
+                mDevice.qservice()->setAnswer(code, mIn.pick(kAnswers));
+                break;
+            }
+            case 11:
+                mPhone.setApl(aplText(mIn));
+                break;
+            case 12: {
+                auto& client = *mPhone.clients[mIn.u8() % kClientCount];
+                const uint8_t pick = mIn.u8();
+                if (pick % 8 == 7) {
+                    client.dead = !client.dead;
+                } else {
+                    client.reentry = static_cast<FuzzClient::Reentry>(pick % 7);
+                }
+                break;
+            }
+            case 13: {
+                const uint8_t pick = mIn.u8() % 7;
+                if (pick == 0) host::gralloc::failAllocations(1);
+                if (pick == 1) host::gralloc::failAllocationsLeavingHandle(1);
+                if (pick == 2) host::gralloc::failLocks(1);
+                if (pick == 3) host::gralloc::reportFormat(mIn.flag() ? 1 : -1);
+                if (pick == 4) host::gralloc::setRowAlignment(mIn.pick(kRowAlignments));
+                if (pick >= 5 && mPhone.undersizedRegions) {
+                    mPhone.resizeRegion(mIn.u8() % kRegionCount, mIn.pick(kRegionSizes));
+                }
+                break;
+            }
+        }
+    }
 
     Phone& mPhone;
     FuzzBytes& mIn;
@@ -417,397 +747,6 @@ class Session {
     std::unique_ptr<host::device::Composer> mComposer;
     std::shared_ptr<CwbService> mService;
 };
-
-void Session::setUp() {
-    host::gralloc::reset();
-    aidl::vendor::zarel::hardware::cwb::implementation::mLightModeID = 2;
-
-    for (const PropertyChoice& choice : propertyChoices()) {
-        const char* value = choice.values[mIn.u8() % choice.values.size()];
-        if (value != nullptr) host::properties::set(choice.key, value);
-    }
-    const uint8_t ct = mIn.u8();
-    if (ct < 240) {
-        if (const char* value = kCtRanges[ct % (sizeof(kCtRanges) / sizeof(kCtRanges[0]))]) {
-            host::properties::set(kCtRangeKey, value);
-        }
-    } else {
-        host::properties::set(kCtRangeKey, mIn.text(24));
-    }
-
-    mPhone.setWeights(PanelId::Main, weightsText(mIn));
-    mPhone.setWeights(PanelId::Secondary, weightsText(mIn));
-    mPhone.setApl(aplText(mIn));
-
-    const uint8_t mainPick = mIn.u8();
-    mDevice.setPanelModes(PanelId::Main, mainPick < 248 ? kMainModes[mainPick % 7] : kMainModes[7]);
-    mDevice.setPanelModes(PanelId::Secondary, mIn.pick(kSecondaryModes));
-    for (PanelId panel : {PanelId::Main, PanelId::Secondary}) {
-        mDevice.displayConfig()->clearFrame(panel, FrameKind::PostProcessed);
-        mDevice.displayConfig()->clearFrame(panel, FrameKind::Mixer);
-        setFrame(mDevice, mIn, panel);
-    }
-    mDevice.setVendorPresent(mIn.u8() % 8 != 7);
-    mDevice.setQServicePresent(mIn.u8() % 8 != 7);
-    mDevice.qservice()->setAnswer(303, 0);
-    mDevice.qservice()->setAnswer(304, 0);
-    for (int i = 0; i < kRegionCount; ++i) mPhone.resizeRegion(i, mIn.pick(kRegionSizes));
-    for (auto& client : mPhone.clients) {
-        client->dead = false;
-        client->reentry = FuzzClient::Reentry::None;
-    }
-    gReentryBudget = 16;
-    if (mIn.u8() % 8 != 7) boot();
-}
-
-void Session::boot() {
-    if (mComposer != nullptr) return;
-    mComposer = std::make_unique<host::device::Composer>();
-    mComposer->boot();
-    mService = mComposer->proxy().service();
-    gService = mService;
-}
-
-void Session::play() {
-    for (int i = 0; i < kMaxOperations && !mIn.empty(); ++i) runOne();
-}
-
-void Session::tearDown() {
-    gService.reset();
-    mService.reset();
-    host::binder::removeService(kServiceInstance);
-    mComposer.reset();
-    // Completions still held by the vendor would reach no one now.
-    mDevice.displayConfig()->setManualCompletion(false);
-    mDevice.displayConfig()->dropPending();
-    mDevice.displayConfig()->clearOutcomes();
-    mDevice.displayConfig()->clearRequests();
-    mDevice.qservice()->clearCommands();
-    mDevice.setVendorPresent(true);
-    mDevice.setQServicePresent(true);
-    std::error_code ec;
-    std::filesystem::remove_all(mDevice.hostPath(host::device::Device::kDumpDir), ec);
-    // Whatever the input allocated goes before it ends: libFuzzer replays an input that leaves
-    // more allocations than it found, to look for leaks.
-    host::properties::clear();
-    host::log::clear();
-    host::sandbox::resetCounts();
-    mDevice.setPanelModes(PanelId::Main, kMainModes[0]);
-    mDevice.setPanelModes(PanelId::Secondary, kSecondaryModes[0]);
-    // A destroyed service leaves no capture buffer behind.
-    if (host::gralloc::liveBuffers() != 0) {
-        fprintf(stderr, "%zu capture buffers outlive the service\n", host::gralloc::liveBuffers());
-        abort();
-    }
-}
-
-void Session::runOne() {
-    const uint8_t op = mIn.u8();
-    if (op < 128) {
-        if (mService == nullptr) {
-            boot();
-            return;
-        }
-        clientCall(op);
-    } else if (op < 192) {
-        hostEvent(op);
-    } else {
-        phoneChange(op);
-    }
-}
-
-void Session::clientCall(uint8_t op) {
-    CwbService& s = *mService;
-    Error error = Error::NONE;
-    switch (op % 18) {
-        case 0: {
-            Rgb rgb;
-            s.getRGBValue(rect(mIn), &rgb, &error);
-            checkError(error, true);
-            break;
-        }
-        case 1: {
-            std::vector<float> lumas;
-            s.getLumasValue(rect(mIn), &lumas, &error);
-            checkError(error);
-            if (lumas.size() != 1) abort();
-            break;
-        }
-        case 2: {
-            Histogram histogram;
-            s.getHistogramValue(rect(mIn), &histogram, &error);
-            checkError(error);
-            break;
-        }
-        case 3: {
-            bool status = false;
-            s.getCwbPostProcessStatus(&status);
-            break;
-        }
-        case 4:
-            s.setCwbPostProcessStatus(mIn.flag(), &error);
-            break;
-        case 5:
-        case 6: {
-            const uint8_t pick = mIn.u8() % (kClientCount + 1);
-            std::shared_ptr<ICwbCallback> client;
-            if (pick < kClientCount) client = mPhone.clients[pick];
-            if (op % 18 == 5) {
-                s.registerCallback(client, &error);
-            } else {
-                s.unregisterCallback(client, &error);
-            }
-            break;
-        }
-        case 7: {
-            bool done = false;
-            s.enable(&done);
-            break;
-        }
-        case 8: {
-            bool done = false;
-            s.disable(&done);
-            break;
-        }
-        case 9: {
-            static const int32_t kDebug[] = {0, 1, -1, 2, INT_MIN};
-            std::vector<int32_t> debug(mIn.u8() % 5);
-            for (int32_t& value : debug) value = mIn.pick(kDebug);
-            s.setDebug(debug, &error);
-            break;
-        }
-        case 10:
-        case 11: {
-            const uint8_t pick = mIn.u8();
-            const int32_t id = pick < 250 ? static_cast<int8_t>(pick) % 17 : mIn.i32();
-            const Rect r = rect(mIn);
-            std::vector<int32_t> values;
-            s.getCwbValue(id, r, &values, &error);
-            checkError(error);
-            break;
-        }
-        case 12: {
-            const int32_t id = mIn.i32();
-            s.reserved(id, mIn.i32());
-            break;
-        }
-        case 13: {
-            const uint8_t pick = mIn.u8();
-            const int32_t declared = size(mIn);
-            // Unless asked for, the file holds what the service is told it holds.
-            if (!mPhone.undersizedRegions && pick % 7 < kRegionCount) {
-                const int64_t needed = std::min<int64_t>(declared, kMaxRegionBytes);
-                if (mPhone.regionBytes[pick % 7] < needed) mPhone.resizeRegion(pick % 7, needed);
-            }
-            s.initializeSharedMemory(0, declared, mPhone.descriptor(pick), &error);
-            break;
-        }
-        case 14: {
-            static const int32_t kIds[] = {5, 2, 3, 0, 1, 4};
-            const uint8_t pick = mIn.u8();
-            const int32_t id = pick < 250 ? kIds[pick % 6] : mIn.i32();
-            const Rect r = rect(mIn);
-            const ndk::ScopedFileDescriptor& fd = mPhone.descriptor(mIn.u8());
-            const int32_t bufferSize = size(mIn);
-            std::vector<int32_t> values;
-            s.getSharedData(id, r, fd, bufferSize, &values, &error);
-            checkError(error);
-            break;
-        }
-        case 15: {
-            std::vector<int32_t> values;
-            s.getScreenResolution(mIn.i32(), &values, &error);
-            if (values.size() != 2) abort();
-            break;
-        }
-        case 16:
-            s.releaseSharedMemory(mIn.i32(), mIn.i32(), &error);
-            break;
-        case 17: {
-            int loading = 0;
-            CwbServiceTestPeer(s).getDisplayPanelLoading(&loading);
-            break;
-        }
-    }
-}
-
-void Session::hostEvent(uint8_t op) {
-    if (mComposer == nullptr) {
-        // Events before boot go to a proxy with no service, as they may on a device.
-        host::device::Composer early;
-        early.layerChange();
-        early.powerMode(0, 2);
-        return;
-    }
-    host::device::Composer& c = *mComposer;
-    switch (op % 12) {
-        case 0:
-        case 1:
-            c.layerChange();
-            break;
-        case 2: {
-            const uint64_t display = mIn.pick(kDisplays);
-            c.powerMode(display, mIn.pick(kPowerModes));
-            break;
-        }
-        case 3: {
-            const uint64_t display = mIn.pick(kDisplays);
-            c.configChange(display, mIn.u8() < 240 ? mIn.u8() % 4 : mIn.i32());
-            break;
-        }
-        case 4:
-            c.updateConfigs();
-            break;
-        case 5: {
-            static const int kModes[] = {7, 0, -1, 9};
-            static const int kIntents[] = {300, 303, 304, 307, 308, 0, -1};
-            const uint64_t display = mIn.pick(kDisplays);
-            const int mode = mIn.pick(kModes);
-            c.colorMode(display, mode, mIn.pick(kIntents));
-            break;
-        }
-        case 6:
-            c.aodLayer(mIn.flag());
-            break;
-        case 7:
-            c.fodLayer(mIn.flag());
-            break;
-        case 8:
-            c.status(mIn.flag());
-            break;
-        case 9:
-            host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
-            break;
-        case 10: {
-            // The operations the service exports to its host besides the proxy's events.
-            CwbServiceTestPeer s(*mService);
-            switch (mIn.u8() % 5) {
-                case 0:
-                    s.clearCache();
-                    break;
-                case 1: {
-                    uint32_t width = 0;
-                    uint32_t height = 0;
-                    s.getResolution(width, height);
-                    break;
-                }
-                case 2:
-                    s.generateCookie();
-                    break;
-                case 3:
-                    s.captureScreenAllowed();
-                    break;
-                default: {
-                    Rect checked;
-                    s.checkInputRect(rect(mIn), checked);
-                    break;
-                }
-            }
-            break;
-        }
-        case 11: {
-            // A completion through the vendor's legacy callback, whether or not one is awaited.
-            static const int32_t kErrors[] = {0, -1, 3};
-            mService->NotifyCWBBufferDone(mIn.pick(kErrors), nullptr);
-            break;
-        }
-    }
-}
-
-void Session::phoneChange(uint8_t op) {
-    auto& vendor = *mDevice.displayConfig();
-    const PanelId panel = mIn.flag() ? PanelId::Secondary : PanelId::Main;
-    switch (op % 14) {
-        case 0:
-        case 1:
-            host::clock::advance(std::chrono::nanoseconds(mIn.pick(kClockSteps)));
-            break;
-        case 2: {
-            // A resolution change: new modes, then the composer tells the service.
-            const uint8_t pick = mIn.u8();
-            if (panel == PanelId::Main) {
-                vendor.setPanelModes(panel, kMainModes[pick % 7]);
-            } else {
-                vendor.setPanelModes(panel, kSecondaryModes[pick % 4]);
-            }
-            if (mComposer != nullptr) mComposer->updateConfigs();
-            break;
-        }
-        case 3:
-            vendor.setActiveMode(panel, mIn.u8() % 4);
-            break;
-        case 4:
-            setFrame(mDevice, mIn, panel);
-            break;
-        case 5: {
-            static const Outcome kOutcomes[] = {Outcome::Error, Outcome::Drop, Outcome::Refuse,
-                                                Outcome::Ok};
-            static const int32_t kErrors[] = {-1, -22, 1, 0};
-            const Outcome outcome = mIn.pick(kOutcomes);
-            vendor.pushOutcome(outcome, mIn.pick(kErrors));
-            break;
-        }
-        case 6:
-            // Completions held back arrive late, after their request gave up.
-            vendor.setManualCompletion(mIn.flag());
-            break;
-        case 7: {
-            static const int32_t kErrors[] = {0, -1, -22, 5};
-            vendor.completeNext(mIn.pick(kErrors));
-            break;
-        }
-        case 8:
-            mDevice.setVendorPresent(mIn.flag());
-            break;
-        case 9:
-            mDevice.setQServicePresent(mIn.flag());
-            break;
-        case 10: {
-            static const uint32_t kCodes[] = {303, 304};
-            static const int32_t kAnswers[] = {1, 0, 2000, 1250, 1249, 800, 799, 1, INT_MAX, -1};
-            const uint32_t code = mIn.pick(kCodes);
-            mDevice.qservice()->setAnswer(code, mIn.pick(kAnswers));
-            break;
-        }
-        case 11:
-            mPhone.setApl(aplText(mIn));
-            break;
-        case 12: {
-            auto& client = *mPhone.clients[mIn.u8() % kClientCount];
-            const uint8_t pick = mIn.u8();
-            if (pick % 8 == 7) {
-                client.dead = !client.dead;
-            } else {
-                client.reentry = static_cast<FuzzClient::Reentry>(pick % 7);
-            }
-            break;
-        }
-        case 13:
-            switch (mIn.u8() % 7) {
-                case 0:
-                    host::gralloc::failAllocations(1);
-                    break;
-                case 1:
-                    host::gralloc::failAllocationsLeavingHandle(1);
-                    break;
-                case 2:
-                    host::gralloc::failLocks(1);
-                    break;
-                case 3:
-                    host::gralloc::reportFormat(mIn.flag() ? 1 : -1);
-                    break;
-                case 4:
-                    host::gralloc::setRowAlignment(mIn.pick(kRowAlignments));
-                    break;
-                default:
-                    if (mPhone.undersizedRegions) {
-                        mPhone.resizeRegion(mIn.u8() % kRegionCount, mIn.pick(kRegionSizes));
-                    }
-                    break;
-            }
-            break;
-    }
-}
 
 }  // namespace
 
