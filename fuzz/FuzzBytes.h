@@ -13,7 +13,6 @@ class FuzzBytes {
     FuzzBytes(const uint8_t* data, size_t size) : mData(data), mSize(size) {}
 
     bool empty() const { return mPos >= mSize; }
-    size_t remaining() const { return mPos < mSize ? mSize - mPos : 0; }
     uint8_t u8() { return mPos < mSize ? mData[mPos++] : 0; }
     bool flag() { return (u8() & 1) != 0; }
     int32_t i32() {
@@ -35,7 +34,7 @@ class FuzzBytes {
     }
     // Everything left.
     std::string rest() {
-        std::string out(reinterpret_cast<const char*>(mData) + mPos, remaining());
+        std::string out(reinterpret_cast<const char*>(mData) + mPos, empty() ? 0 : mSize - mPos);
         mPos = mSize;
         return out;
     }

@@ -44,18 +44,13 @@ struct Panel {
     std::shared_ptr<CwbService> service;
 };
 
-Panel& panel() {
-    static Panel p;
-    return p;
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const int32_t kUirStates[] = {1, 0, -1, INT_MAX};
     static const int32_t kNits[] = {2000, 1250, 1249, 800, 799, 0, 1, INT_MAX, -1, INT_MIN};
     static const int kIntents[] = {0, 303, 304, 307, 308, 300};
-    Panel& p = panel();
+    static Panel p;
     host::log::clear();
     cwbfuzz::FuzzBytes in(data, size);
     p.device.qservice()->setAnswer(303, in.pick(kUirStates));
@@ -68,10 +63,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string text = in.rest();
     if (ftruncate(p.file, 0) != 0) abort();
     if (!text.empty() && pwrite(p.file, text.data(), text.size(), 0) < 0) abort();
+    CwbServiceTestPeer peer(*p.service);
     std::vector<unsigned int> values;
-    CwbServiceTestPeer(*p.service).getDisplayPanelAplValue(values);
+    peer.getDisplayPanelAplValue(values);
     int loading = 0;
-    CwbServiceTestPeer(*p.service).getDisplayPanelLoading(&loading);
+    peer.getDisplayPanelLoading(&loading);
     p.device.qservice()->clearCommands();
     return 0;
 }

@@ -10,36 +10,24 @@
 #include <cstdlib>
 #include <string>
 
-namespace {
-
 constexpr int64_t kMaxDecodedPixels = 2048 * 2048;
 
-struct Picture {
-    Picture() : file(memfd_create("cwb_png", MFD_CLOEXEC)) {
-        if (file < 0) abort();
-        path = "/proc/self/fd/" + std::to_string(file);
-    }
-    int file;
-    std::string path;
-};
-
-}  // namespace
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static Picture picture;
-    if (ftruncate(picture.file, 0) != 0) abort();
-    if (size > 0 && pwrite(picture.file, data, size, 0) != static_cast<ssize_t>(size)) abort();
+    static const int file = memfd_create("cwb_png", MFD_CLOEXEC);
+    static const std::string path = "/proc/self/fd/" + std::to_string(file);
+    if (ftruncate(file, 0) != 0) abort();
+    if (size > 0 && pwrite(file, data, size, 0) != static_cast<ssize_t>(size)) abort();
     int width = 0;
     int height = 0;
     std::string error;
-    if (!cwbsim::PngFile::size(picture.path, &width, &height, &error)) {
+    if (!cwbsim::PngFile::size(path, &width, &height, &error)) {
         if (error.empty()) abort();
         return 0;
     }
     if (width <= 0 || height <= 0) abort();
     if (static_cast<int64_t>(width) * height > kMaxDecodedPixels) return 0;
     host::device::Frame frame;
-    if (!cwbsim::PngFile::read(picture.path, &frame, &error)) {
+    if (!cwbsim::PngFile::read(path, &frame, &error)) {
         if (error.empty()) abort();
         return 0;
     }

@@ -8,55 +8,42 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <string>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 extern "C" __attribute__((weak)) int LLVMFuzzerInitialize(int* argc, char*** argv);
 
-namespace {
-
-bool replay(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        fprintf(stderr, "cannot read %s\n", path.c_str());
-        return false;
-    }
-    const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)),
-                                     std::istreambuf_iterator<char>());
-    LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
-    return true;
-}
-
-}  // namespace
-
 int main(int argc, char** argv) {
+    namespace fs = std::filesystem;
     if (LLVMFuzzerInitialize != nullptr) LLVMFuzzerInitialize(&argc, &argv);
     if (argc < 2) {
         LLVMFuzzerTestOneInput(nullptr, 0);
         printf("replayed the empty input\n");
         return 0;
     }
-    size_t count = 0;
-    bool ok = true;
+    // A folder's files in name order, so that a replay is repeatable.
+    std::vector<fs::path> files;
     for (int i = 1; i < argc; ++i) {
-        const std::filesystem::path arg(argv[i]);
         std::error_code ec;
-        if (std::filesystem::is_directory(arg, ec)) {
-            std::vector<std::filesystem::path> files;
-            for (const auto& entry : std::filesystem::directory_iterator(arg, ec)) {
-                if (entry.is_regular_file()) files.push_back(entry.path());
-            }
-            std::sort(files.begin(), files.end());
-            for (const auto& file : files) {
-                ok = replay(file) && ok;
-                ++count;
-            }
-        } else {
-            ok = replay(arg) && ok;
-            ++count;
+        const size_t first = files.size();
+        if (!fs::is_directory(argv[i], ec)) files.emplace_back(argv[i]);
+        for (const auto& entry : fs::directory_iterator(argv[i], ec)) {
+            if (entry.is_regular_file()) files.push_back(entry.path());
         }
+        std::sort(files.begin() + static_cast<std::ptrdiff_t>(first), files.end());
     }
-    printf("replayed %zu input(s)\n", count);
+    bool ok = true;
+    for (const fs::path& file : files) {
+        std::ifstream in(file, std::ios::binary);
+        if (!in) {
+            fprintf(stderr, "cannot read %s\n", file.c_str());
+            ok = false;
+            continue;
+        }
+        const std::vector<uint8_t> bytes((std::istreambuf_iterator<char>(in)),
+                                         std::istreambuf_iterator<char>());
+        LLVMFuzzerTestOneInput(bytes.data(), bytes.size());
+    }
+    printf("replayed %zu input(s)\n", files.size());
     return ok ? 0 : 1;
 }
