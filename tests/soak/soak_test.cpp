@@ -1,10 +1,8 @@
 // Soak: eight clients call every method while the composer sends every event (real resolution
-// changes included) and a fault thread breaks the vendor, the qservice and the device files. A
-// watchdog fails the run on any stall. Checked throughout: every answer carries a documented
-// code, answers on the known frame are exact, and resident memory stays flat after warm-up.
-// The whole frame is written back (no ROI), so every successful answer is exact whatever the
-// capture mode. CWB_SOAK_SECONDS sets the duration (default 5); tools/soak.sh runs it longer under
-// sanitizers.
+// changes included) and a fault thread breaks the vendor, the qservice and the device files; a
+// watchdog fails any stall. Every answer must carry a documented code, answers on the uniform,
+// whole-frame (no ROI) picture must be exact, and resident memory must stay flat after warm-up.
+// CWB_SOAK_SECONDS sets the duration (default 5); tools/soak.sh runs it longer under sanitizers.
 #include <CwbProxy.h>
 #include <CwbService.h>
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
@@ -28,6 +26,7 @@
 #include <random>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace cwbsoak {
@@ -51,6 +50,9 @@ constexpr uint8_t kR = 40, kG = 120, kB = 200;  // every panel shows this colour
 constexpr int kLumaLevel = (7 * kR + 23 * kG + 2 * kB) >> 5;
 constexpr auto kStall = std::chrono::seconds(20);  // no request may take this long
 constexpr double kMemoryCheckSeconds = 30;         // runs this long must keep memory flat
+const std::pair<const char*, const char*> kProperties[] = {
+        {"display_id", "0"},    {"display_id_sec", "3"}, {"apl_read_support", "1"},
+        {"aod_forbidden", "1"}, {"fod_forbidden", "1"},  {"ct_range", "0,10,245,255"}};
 
 double soakSeconds() {
     const char* text = getenv("CWB_SOAK_SECONDS");
@@ -65,22 +67,9 @@ size_t residentBytes() {
     return resident * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
-Rect rect(int32_t l, int32_t t, int32_t r, int32_t b) {
-    Rect out;
-    out.left = l;
-    out.top = t;
-    out.right = r;
-    out.bottom = b;
-    return out;
-}
-
-class CountingCallback : public BnCwbCallback {
+class Callback : public BnCwbCallback {
   public:
-    ndk::ScopedAStatus notifyCwbStatus(bool) override {
-        ++calls;
-        return ndk::ScopedAStatus::ok();
-    }
-    std::atomic<int> calls{0};
+    ndk::ScopedAStatus notifyCwbStatus(bool) override { return ndk::ScopedAStatus::ok(); }
 };
 
 // Progress of one thread, for the watchdog.
@@ -103,25 +92,16 @@ class Soak {
         host::properties::clear();
         host::binder::resetRegistry();
         aidl::vendor::zarel::hardware::cwb::implementation::mLightModeID = 2;
-        const std::vector<host::device::PanelMode> modes = {{1080, 2400, 16666666},
-                                                            {720, 1600, 8333333}};
         device = std::make_unique<host::device::Device>();
-        device->setPanelModes(PanelId::Main, modes);
-        device->setPanelModes(PanelId::Secondary, modes);
-        // The largest mode's picture: any active mode sees a uniform crop of it.
-        device->setFrame(PanelId::Main, FrameKind::Mixer, Frame::filled(1080, 2400, kR, kG, kB));
-        device->setFrame(PanelId::Secondary, FrameKind::Mixer,
-                         Frame::filled(1080, 2400, kR, kG, kB));
+        for (PanelId panel : {PanelId::Main, PanelId::Secondary}) {
+            device->setPanelModes(panel, {{1080, 2400, 16666666}, {720, 1600, 8333333}});
+            // The largest mode's picture: any active mode sees a uniform crop of it.
+            device->setFrame(panel, FrameKind::Mixer, Frame::filled(1080, 2400, kR, kG, kB));
+        }
         device->setLatency(std::chrono::milliseconds(1));
         device->setAplFile(std::string("0f a0\n"));
-        for (const auto& [key, value] :
-             std::vector<std::pair<std::string, std::string>>{{"display_id", "0"},
-                                                              {"display_id_sec", "3"},
-                                                              {"apl_read_support", "1"},
-                                                              {"aod_forbidden", "1"},
-                                                              {"fod_forbidden", "1"},
-                                                              {"ct_range", "0,10,245,255"}}) {
-            host::properties::set("ro.vendor.zarel.display.cwb." + key, value);
+        for (const auto& [key, value] : kProperties) {
+            host::properties::set(std::string("ro.vendor.zarel.display.cwb.") + key, value);
         }
         composer = std::make_unique<host::device::Composer>();
         EXPECT_EQ(0, composer->boot());
@@ -140,7 +120,7 @@ class Soak {
 
     void client(int id, Tally& tally, Heartbeat& heartbeat) {
         std::mt19937 random(static_cast<uint32_t>(id) * 7919u + 1u);
-        auto callback = ndk::SharedRefBase::make<CountingCallback>();
+        auto callback = ndk::SharedRefBase::make<Callback>();
         // Half the clients hand over a file that can be sealed against shrinking.
         const int fd = memfd_create("cwb_soak_region", id % 2 ? MFD_ALLOW_SEALING : MFD_CLOEXEC);
         ftruncate(fd, 64 * 1024);
@@ -180,16 +160,17 @@ class Soak {
 
     // Vendor errors, refusals, dropped completions, absent services and broken device files.
     void faults(Heartbeat& heartbeat) {
+        auto& vendor = *device->displayConfig();
         for (uint32_t i = 0; !stop; ++i) {
             switch (i % 8) {
                 case 0:
-                    device->displayConfig()->pushOutcome(Outcome::Error, -1);
+                    vendor.pushOutcome(Outcome::Error, -1);
                     break;
                 case 1:
-                    device->displayConfig()->pushOutcome(Outcome::Refuse);
+                    vendor.pushOutcome(Outcome::Refuse);
                     break;
                 case 2:
-                    if (i % 64 == 2) device->displayConfig()->pushOutcome(Outcome::Drop);
+                    if (i % 64 == 2) vendor.pushOutcome(Outcome::Drop);
                     break;
                 case 3:
                     device->setVendorPresent(false);
@@ -214,7 +195,7 @@ class Soak {
             heartbeat.beat();
             std::this_thread::sleep_for(std::chrono::milliseconds(25));
         }
-        device->displayConfig()->clearOutcomes();
+        vendor.clearOutcomes();
         device->setVendorPresent(true);
         device->setQServicePresent(true);
     }
@@ -225,33 +206,40 @@ class Soak {
     std::atomic<bool> stop{false};
 
   private:
-    static bool documented(int32_t code) { return code >= 0 && code <= 3; }
-
     // Status OK, or for the shared-memory pair a service-specific -1.
-    static bool statusOk(const ndk::ScopedAStatus& status, bool mayRefuse) {
+    static bool statusOk(const ndk::ScopedAStatus& status, bool mayRefuse = false) {
         return status.isOk() || (mayRefuse && status.getExceptionCode() == EX_SERVICE_SPECIFIC &&
                                  status.getServiceSpecificError() == -1);
     }
 
-    void call(int method, std::mt19937& random, const std::shared_ptr<CountingCallback>& callback,
+    void call(int method, std::mt19937& random, const std::shared_ptr<Callback>& callback,
               const ndk::ScopedFileDescriptor& region, Tally& tally) {
         auto expect = [&](bool ok, const char* what) {
             if (!ok && tally.wrong.size() < 20) tally.wrong.push_back(what);
         };
+        Error error = Error::NONE;
+        // A call that must succeed outright.
+        auto succeeds = [&](const ndk::ScopedAStatus& status, const char* what) {
+            expect(status.isOk() && error == Error::NONE, what);
+        };
+        // Checks for a documented code; true on a success, which must then be exact. RGB words
+        // carry verdict bits above the code, masked off.
+        auto answered = [&](const ndk::ScopedAStatus& status, const char* what,
+                            bool mayRefuse = false, uint32_t mask = ~0u) {
+            const int32_t code = static_cast<int32_t>(static_cast<uint32_t>(error) & mask);
+            expect(statusOk(status, mayRefuse) && code >= 0 && code <= 3, what);
+            return status.isOk() && code == 0;
+        };
         const int32_t l = static_cast<int32_t>(random() % 600),
                       t = static_cast<int32_t>(random() % 1400);
         // Two rectangles, as a light-sensor client asks: most answers then come from the caches.
-        const Rect r = rect(l % 2 * 100, l % 2 * 200, l % 2 * 100 + 1 + l % 2 * 17,
-                            l % 2 * 200 + 1 + l % 2 * 29);
+        const int32_t k = l % 2;
+        const Rect r{k * 100, k * 200, k * 100 + 1 + k * 17, k * 200 + 1 + k * 29};
         const int64_t area = static_cast<int64_t>(r.right - r.left) * (r.bottom - r.top);
-        Error error = Error::NONE;
         switch (method) {
             case 0: {
                 Rgb rgb;
-                expect(service->getRGBValue(r, &rgb, &error).isOk(), "getRGBValue status");
-                const int32_t low = static_cast<int32_t>(error) & 0xFFFF;
-                expect(documented(low), "getRGBValue code");
-                if (low == 0) {
+                if (answered(service->getRGBValue(r, &rgb, &error), "getRGBValue", false, 0xFFFF)) {
                     expect(rgb.r == kR && rgb.g == kG && rgb.b == kB, "getRGBValue colour");
                     ++tally.exact;
                 }
@@ -259,23 +247,18 @@ class Soak {
             }
             case 1: {
                 std::vector<float> lumas;
-                expect(service->getLumasValue(r, &lumas, &error).isOk(), "getLumasValue status");
-                expect(documented(static_cast<int32_t>(error)) && lumas.size() == 1,
-                       "getLumasValue code");
-                if (error == Error::NONE && lumas.size() == 1) {
-                    const float luma = static_cast<float>(kLumaLevel * area) /
-                                       (static_cast<float>(area) * 255.0f);
-                    expect(lumas[0] == luma, "getLumasValue value");
+                const auto status = service->getLumasValue(r, &lumas, &error);
+                expect(lumas.size() == 1, "getLumasValue size");
+                if (answered(status, "getLumasValue") && lumas.size() == 1) {
+                    expect(lumas[0] == kLumaLevel / 255.0f, "getLumasValue value");
                     ++tally.exact;
                 }
                 break;
             }
             case 2: {
                 Histogram histogram;
-                expect(service->getHistogramValue(r, &histogram, &error).isOk(),
-                       "getHistogramValue status");
-                expect(documented(static_cast<int32_t>(error)), "getHistogramValue code");
-                if (error == Error::NONE) {
+                const auto status = service->getHistogramValue(r, &histogram, &error);
+                if (answered(status, "getHistogramValue")) {
                     int64_t total = 0;
                     for (int32_t c : histogram.counts) total += c;
                     expect(total == 3 * area && histogram.counts[3 * kR] == area &&
@@ -292,17 +275,14 @@ class Soak {
                 break;
             }
             case 4:
-                expect(service->setCwbPostProcessStatus(random() % 2, &error).isOk() &&
-                               error == Error::NONE,
-                       "setCwbPostProcessStatus");
+                succeeds(service->setCwbPostProcessStatus(random() % 2, &error),
+                         "setCwbPostProcessStatus");
                 break;
             case 5:
-                expect(service->registerCallback(callback, &error).isOk() && error == Error::NONE,
-                       "registerCallback");
+                succeeds(service->registerCallback(callback, &error), "registerCallback");
                 break;
             case 6:
-                expect(service->unregisterCallback(callback, &error).isOk() && error == Error::NONE,
-                       "unregisterCallback");
+                succeeds(service->unregisterCallback(callback, &error), "unregisterCallback");
                 break;
             case 7:
             case 8: {
@@ -314,18 +294,14 @@ class Soak {
             }
             case 9:
                 // Debug log on or off; dumps stay off (each would write a whole frame to disk).
-                expect(service->setDebug({static_cast<int32_t>(random() % 2), 0, -1}, &error)
-                                       .isOk() &&
-                               error == Error::NONE,
-                       "setDebug");
+                succeeds(service->setDebug({static_cast<int32_t>(random() % 2), 0, -1}, &error),
+                         "setDebug");
                 break;
             case 10: {
                 const int32_t feature = static_cast<int32_t>(random() % 4);  // 0 is refused
                 std::vector<int32_t> values;
-                expect(service->getCwbValue(feature, r, &values, &error).isOk(),
-                       "getCwbValue status");
-                expect(documented(static_cast<int32_t>(error)), "getCwbValue code");
-                if (error == Error::NONE && feature != 0) {
+                const auto status = service->getCwbValue(feature, r, &values, &error);
+                if (answered(status, "getCwbValue") && feature != 0) {
                     const bool rgb = feature != 2;
                     expect(values.size() == (rgb ? 9u : 6u), "getCwbValue values");
                     if (rgb && values.size() == 9) {
@@ -339,22 +315,20 @@ class Soak {
             case 11:
                 expect(service->reserved(static_cast<int32_t>(random()), 0).isOk(), "reserved");
                 break;
-            case 12: {
+            case 12:
                 // Sometimes shrunk first: an unsealed file then refuses its copies.
                 if (random() % 8 == 0) ftruncate(region.get(), random() % 2 ? 4096 : 64 * 1024);
-                const auto status = service->initializeSharedMemory(0, 30020, region, &error);
-                expect(statusOk(status, true), "initializeSharedMemory");
+                expect(statusOk(service->initializeSharedMemory(0, 30020, region, &error), true),
+                       "initializeSharedMemory");
                 break;
-            }
             case 13: {
                 std::vector<int32_t> values;
                 // Mostly copies: every switch between the capture modes invalidates the frame.
                 const int32_t feature = random() % 16 == 0 ? 2 + (random() % 2) : 5;
-                const auto status = service->getSharedData(
-                        feature, rect(l, t, l + 100, t + 100), ndk::ScopedFileDescriptor(),
-                        static_cast<int32_t>(30012 - random() % 2), &values, &error);
-                expect(statusOk(status, feature == 5), "getSharedData status");
-                expect(documented(static_cast<int32_t>(error)), "getSharedData code");
+                answered(service->getSharedData(
+                                 feature, Rect{l, t, l + 100, t + 100}, ndk::ScopedFileDescriptor(),
+                                 static_cast<int32_t>(30012 - random() % 2), &values, &error),
+                         "getSharedData", feature == 5);
                 break;
             }
             case 14: {
@@ -420,18 +394,16 @@ TEST(SoakTest, ClientsEventsAndFaultsTogether) {
                 << tallies[id].wrong.size() << " faults)";
         EXPECT_GT(tallies[id].calls, 0u) << "client " << id;
     }
-    const double growth = warmRss == 0
-                                  ? 0.0
-                                  : (static_cast<double>(endRss) - static_cast<double>(warmRss)) /
-                                            static_cast<double>(warmRss);
+    const double warmMb = static_cast<double>(warmRss) / 1048576.0;
+    const double endMb = static_cast<double>(endRss) / 1048576.0;
     printf("soak: %.1f s, %llu requests (%.0f/s), %llu exact answers, RSS %.1f MB after warm-up, "
            "%.1f MB at the end (%+.2f%%)\n",
            seconds, static_cast<unsigned long long>(calls), static_cast<double>(calls) / seconds,
-           static_cast<unsigned long long>(exact), static_cast<double>(warmRss) / 1048576.0,
-           static_cast<double>(endRss) / 1048576.0, growth * 100.0);
+           static_cast<unsigned long long>(exact), warmMb, endMb,
+           warmRss == 0 ? 0.0 : (endMb - warmMb) / warmMb * 100.0);
     EXPECT_GT(exact, 0u);
-    // Flat after warm-up; a few MB of slack for allocator and sanitizer bookkeeping. The suite's
-    // short run ends while the sanitizers' own tables still grow; the bounded soak runs longer.
+    // Flat after warm-up, with a few MB of slack for allocator and sanitizer bookkeeping; short
+    // runs end while the sanitizers' own tables still grow.
     if (seconds >= kMemoryCheckSeconds) {
         EXPECT_LE(endRss, warmRss + warmRss / 20 + (8u << 20));
     }
