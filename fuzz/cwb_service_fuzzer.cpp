@@ -121,18 +121,6 @@ const uint8_t kFills[kFillCount][3] = {{0, 0, 0}, {255, 255, 255}, {255, 0, 0},
 
 // ---- Clients ----
 
-// A client's callback. It can die (its calls fail as a dead binder's do) and it can call back
-// into the service from its notification, as a client on another binder thread may.
-class FuzzClient : public BnCwbCallback {
-  public:
-    enum class Reentry { None, UnregisterSelf, RegisterSelf, Disable, Enable, Request, Debug };
-
-    ndk::ScopedAStatus notifyCwbStatus(bool /*status*/) override;
-
-    bool dead = false;
-    Reentry reentry = Reentry::None;
-};
-
 std::shared_ptr<CwbService> gService;  // the service of the input being played
 thread_local int gReentryDepth = 0;
 // Calls back into the service per input: a client that registers itself again from every
@@ -140,44 +128,54 @@ thread_local int gReentryDepth = 0;
 // time an input takes.
 int gReentryBudget = 0;
 
-ndk::ScopedAStatus FuzzClient::notifyCwbStatus(bool /*status*/) {
-    if (dead) return ndk::ScopedAStatus::fromStatus(STATUS_DEAD_OBJECT);
-    if (reentry == Reentry::None || gService == nullptr || gReentryDepth >= 2 ||
-        gReentryBudget <= 0) {
+// A client's callback. It can die (its calls fail as a dead binder's do) and it can call back
+// into the service from its notification, as a client on another binder thread may.
+class FuzzClient : public BnCwbCallback {
+  public:
+    enum class Reentry { None, UnregisterSelf, RegisterSelf, Disable, Enable, Request, Debug };
+
+    ndk::ScopedAStatus notifyCwbStatus(bool /*status*/) override {
+        if (dead) return ndk::ScopedAStatus::fromStatus(STATUS_DEAD_OBJECT);
+        if (reentry == Reentry::None || gService == nullptr || gReentryDepth >= 2 ||
+            gReentryBudget <= 0) {
+            return ndk::ScopedAStatus::ok();
+        }
+        --gReentryBudget;
+        ++gReentryDepth;
+        std::shared_ptr<CwbService> service = gService;
+        Error error = Error::NONE;
+        bool done = false;
+        switch (reentry) {
+            case Reentry::UnregisterSelf:
+                service->unregisterCallback(ref<ICwbCallback>(), &error);
+                break;
+            case Reentry::RegisterSelf:
+                service->registerCallback(ref<ICwbCallback>(), &error);
+                break;
+            case Reentry::Disable:
+                service->disable(&done);
+                break;
+            case Reentry::Enable:
+                service->enable(&done);
+                break;
+            case Reentry::Request: {
+                Rgb rgb;
+                service->getRGBValue(Rect{0, 0, 4, 4}, &rgb, &error);
+                break;
+            }
+            case Reentry::Debug:
+                service->setDebug({1, 0, 1}, &error);
+                break;
+            case Reentry::None:
+                break;
+        }
+        --gReentryDepth;
         return ndk::ScopedAStatus::ok();
     }
-    --gReentryBudget;
-    ++gReentryDepth;
-    std::shared_ptr<CwbService> service = gService;
-    Error error = Error::NONE;
-    bool done = false;
-    switch (reentry) {
-        case Reentry::UnregisterSelf:
-            service->unregisterCallback(ref<ICwbCallback>(), &error);
-            break;
-        case Reentry::RegisterSelf:
-            service->registerCallback(ref<ICwbCallback>(), &error);
-            break;
-        case Reentry::Disable:
-            service->disable(&done);
-            break;
-        case Reentry::Enable:
-            service->enable(&done);
-            break;
-        case Reentry::Request: {
-            Rgb rgb;
-            service->getRGBValue(Rect{0, 0, 4, 4}, &rgb, &error);
-            break;
-        }
-        case Reentry::Debug:
-            service->setDebug({1, 0, 1}, &error);
-            break;
-        case Reentry::None:
-            break;
-    }
-    --gReentryDepth;
-    return ndk::ScopedAStatus::ok();
-}
+
+    bool dead = false;
+    Reentry reentry = Reentry::None;
+};
 
 // ---- The phone, made once ----
 
