@@ -1,6 +1,5 @@
-// Client callbacks: what a registration is told, when the status is broadcast and with what
-// value, stale and duplicate clients, cookies, clients that call back into the service, and
-// clients and host events racing on several binder threads.
+// Client callbacks: registration, broadcasts, stale and duplicate clients, cookies, re-entry,
+// races.
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 
 #include <atomic>
@@ -11,8 +10,7 @@
 namespace cwbtest {
 namespace {
 
-// Records what it is told, may fail as a dead client does, and may run a hook inside its
-// notification.
+// Records what it is told, may fail like a dead client, may run a hook inside its notification.
 class RecordingCallback : public aidl::vendor::zarel::hardware::cwb::BnCwbCallback {
   public:
     explicit RecordingCallback(bool fail = false) : fail(fail) {}
@@ -80,8 +78,7 @@ struct BroadcastCase {
 class SkeletonBroadcastTest : public SkeletonCallbacksTest,
                               public ::testing::WithParamInterface<BroadcastCase> {};
 
-// Two live clients and a stale one: every broadcast reaches all three, is logged per live client
-// and warned about per stale one, and the stale client stays registered.
+// Two live clients and a stale one, which gets every broadcast, a warning each, and stays.
 TEST_P(SkeletonBroadcastTest, StatusIsBroadcastToEveryClient) {
     const BroadcastCase& c = GetParam();
     if (c.fodForbidden) setProp(prop("fod_forbidden"), "1");
@@ -197,8 +194,7 @@ INSTANTIATE_TEST_SUITE_P(Triggers, SkeletonReentryTest,
 
 using SkeletonStressTest = SkeletonCallbacksTest;
 
-// Clients switching the service and (un)registering while the host reports status and
-// fingerprint-layer changes: no race, no lost registration, no cookie handed out twice.
+// Clients switch and (un)register while the host reports: no race, no cookie handed out twice.
 TEST_F(SkeletonStressTest, ConcurrentClientsAndHostEvents) {
     constexpr int kClients = 3;
     constexpr int kIterations = 200;
