@@ -1,10 +1,7 @@
 // The host aidl code must stay in step with interface/: transaction codes, frozen dumps, hashes.
-#include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
-
-#include "service_fixture.h"
+#include "skeleton_helpers.h"
 
 #include <algorithm>
-#include <atomic>
 #include <cctype>
 #include <cstdio>
 #include <cstring>
@@ -18,10 +15,10 @@
 
 namespace {
 
-using ::aidl::vendor::zarel::hardware::cwb::BnCwbCallback;
 using ::aidl::vendor::zarel::hardware::cwb::ICwbCallback;
 using ::aidl::vendor::zarel::hardware::cwb::ICwbService;
 using ::aidl::vendor::zarel::hardware::cwb::Rect;
+using ::cwbtest::RecordingCallback;
 
 const std::string kSourceDir = CWB_SOURCE_DIR;
 const std::string kPackageDir = kSourceDir + "/interface/vendor/zarel/hardware/cwb/";
@@ -198,24 +195,15 @@ TEST(AidlInterfaceTest, BuildFileFreezesEveryDumpedVersion) {
     EXPECT_NE(bp.find("frozen: true"), std::string::npos);
 }
 
-class CountingCallback : public BnCwbCallback {
-  public:
-    ndk::ScopedAStatus notifyCwbStatus(bool status) override {
-        ++(status ? on : off);
-        return ndk::ScopedAStatus::ok();
-    }
-    std::atomic<int> on{0}, off{0};
-};
-
 class AidlBinderTest : public cwbtest::ServiceTest {};
 
 // Objects live while a binder holds them; a binder is never handed out as another interface.
 TEST_F(AidlBinderTest, ObjectsAnswerOnlyAsTheirOwnInterface) {
     boot();
     ndk::SpAIBinder binder;
-    std::weak_ptr<CountingCallback> weak;
+    std::weak_ptr<RecordingCallback> weak;
     {
-        auto callback = ndk::SharedRefBase::make<CountingCallback>();
+        auto callback = RecordingCallback::make();
         weak = callback;
         binder = callback->asBinder();
     }
@@ -239,7 +227,7 @@ TEST_F(AidlBinderTest, ObjectsAnswerOnlyAsTheirOwnInterface) {
 }
 
 TEST(AidlCallbackTest, ConcurrentBindersShareOneObject) {
-    auto callback = ndk::SharedRefBase::make<CountingCallback>();
+    auto callback = RecordingCallback::make();
     constexpr int kThreads = 8, kRounds = 500;
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
@@ -253,8 +241,9 @@ TEST(AidlCallbackTest, ConcurrentBindersShareOneObject) {
         });
     }
     for (auto& th : threads) th.join();
-    EXPECT_EQ(callback->on.load(), kThreads * kRounds / 2);
-    EXPECT_EQ(callback->off.load(), kThreads * kRounds / 2);
+    const std::vector<bool> told = callback->statuses();
+    EXPECT_EQ(std::count(told.begin(), told.end(), true), kThreads * kRounds / 2);
+    EXPECT_EQ(std::count(told.begin(), told.end(), false), kThreads * kRounds / 2);
 }
 
 TEST(AidlTypesTest, RectOrderIsLexicographicOverFieldsInOrder) {

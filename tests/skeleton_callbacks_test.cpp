@@ -1,41 +1,11 @@
 // Client callbacks: registration, broadcasts, stale and duplicate clients, cookies, re-entry,
 // races.
-#include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
-
 #include <atomic>
-#include <mutex>
 
 #include "skeleton_helpers.h"
 
 namespace cwbtest {
 namespace {
-
-// Records what it is told, may fail like a dead client, may run a hook inside its notification.
-class RecordingCallback : public aidl::vendor::zarel::hardware::cwb::BnCwbCallback {
-  public:
-    explicit RecordingCallback(bool fail = false) : fail(fail) {}
-    ndk::ScopedAStatus notifyCwbStatus(bool status) override {
-        {
-            std::lock_guard<std::mutex> lock(mMutex);
-            mStatuses.push_back(status);
-        }
-        if (hook) hook(status);
-        return fail ? ndk::ScopedAStatus::fromStatus(STATUS_DEAD_OBJECT) : ndk::ScopedAStatus::ok();
-    }
-    std::vector<bool> statuses() {
-        std::lock_guard<std::mutex> lock(mMutex);
-        return mStatuses;
-    }
-    static std::shared_ptr<RecordingCallback> make(bool fail = false) {
-        return ndk::SharedRefBase::make<RecordingCallback>(fail);
-    }
-    const bool fail;
-    std::function<void(bool)> hook;
-
-  private:
-    std::mutex mMutex;
-    std::vector<bool> mStatuses;
-};
 
 class SkeletonCallbacksTest : public ServiceTest {
   protected:
