@@ -1,5 +1,4 @@
-// The generic feature request: dispatch by id, the flattened answer, the time interval with its
-// layer-change wait and refresh floor, and the appended panel loading.
+// getCwbValue: dispatch by id, the flattened answer, its interval and wait, the panel loading.
 #include <utils/Timers.h>
 
 #include <algorithm>

@@ -1,9 +1,5 @@
-// The vendor policy in sepolicy/ must compile against the device's policy and must label what the
-// library really touches: every type it names is its own or one of a few platform types, the
-// service, properties and device paths the library uses are the ones it labels, and the VINTF
-// fragments name the same service.
-#include <gtest/gtest.h>
-
+// The vendor policy in sepolicy/ must compile against the device's policy and label what the
+// library really touches; the VINTF fragments must name the same service.
 #include "service_fixture.h"
 
 #include <algorithm>
@@ -26,8 +22,7 @@ const std::string kSourceDir = CWB_SOURCE_DIR;
 const std::string kPolicyDir = kSourceDir + "/sepolicy/";
 const std::string kProductDir = kSourceDir + "/multimedia/display/cwb/aidl/qcom/";
 
-// Declared by AOSP's public policy or by the chip vendor's display policy, which the device's
-// policy always holds.
+// Declared by AOSP's public policy or the chip vendor's display policy, always on the device.
 const std::set<std::string> kPlatformTypes = {
         // system/sepolicy
         "hal_graphics_composer_server", "hal_service_type", "protected_service",
@@ -61,31 +56,10 @@ bool isName(const std::string& token) {
 
 // Names, quoted strings and single punctuation characters, comments dropped.
 std::vector<std::string> tokenize(const std::string& text) {
+    static const std::regex kToken(R"(#[^\n]*|"[^"]*"|\w+|\S)");
     std::vector<std::string> tokens;
-    for (size_t i = 0; i < text.size();) {
-        const char c = text[i];
-        if (c == '#') {
-            i = text.find('\n', i);
-            if (i == std::string::npos) break;
-        } else if (std::isspace(static_cast<unsigned char>(c))) {
-            ++i;
-        } else if (c == '"') {
-            const size_t end = text.find('"', i + 1);
-            if (end == std::string::npos) break;
-            tokens.push_back(text.substr(i, end + 1 - i));
-            i = end + 1;
-        } else if (std::isalnum(static_cast<unsigned char>(c)) || c == '_') {
-            size_t end = i;
-            while (end < text.size() &&
-                   (std::isalnum(static_cast<unsigned char>(text[end])) || text[end] == '_')) {
-                ++end;
-            }
-            tokens.push_back(text.substr(i, end - i));
-            i = end;
-        } else {
-            tokens.push_back(std::string(1, c));
-            ++i;
-        }
+    for (std::sregex_iterator it(text.begin(), text.end(), kToken), end; it != end; ++it) {
+        if (it->str()[0] != '#') tokens.push_back(it->str());
     }
     return tokens;
 }
@@ -266,8 +240,7 @@ TEST(SepolicyTest, DevicePathsTheProductOpensAreLabelled) {
     }
 }
 
-// The manifest fragment declares the service, the matrix fragment accepts it, both at the
-// interface's version.
+// The manifest declares the service and the matrix accepts it, both at the interface's version.
 TEST(SepolicyTest, VintfFragmentsNameTheService) {
     const std::string version = "<version>" + std::to_string(ICwbService::version) + "</version>";
     for (const char* file :

@@ -1,5 +1,4 @@
-// The connection to the vendor's display config and the configuration lists read through it:
-// lazy retries, the secondary display, active-configuration folding, resolution, command 302.
+// The vendor's display config connection and the configuration lists read through it.
 #include <android/binder_manager.h>
 
 #include "skeleton_helpers.h"

@@ -1,5 +1,4 @@
-// setDebug's three switches, and the colour-mode commands that switch the AP-side
-// post-processing off and back on through the display qservice.
+// setDebug's three switches, and the colour-mode commands toggling AP-side post-processing.
 #include <climits>
 
 #include "skeleton_helpers.h"
