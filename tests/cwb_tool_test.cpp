@@ -41,22 +41,21 @@ std::string readAll(FILE* f) {
     return text;
 }
 
-class CwbToolTest : public ServiceTest, public ::testing::WithParamInterface<ToolCase> {
-  protected:
-    int run(const std::vector<std::string>& args, std::string* out, std::string* err) {
-        std::vector<std::string> words = {"cwb"};
-        words.insert(words.end(), args.begin(), args.end());
-        std::vector<char*> argv;
-        for (std::string& w : words) argv.push_back(w.data());
-        argv.push_back(nullptr);
-        FILE* o = tmpfile();
-        FILE* e = tmpfile();
-        const int status = cwbtool::cwbMain(static_cast<int>(words.size()), argv.data(), o, e);
-        *out = readAll(o);
-        *err = readAll(e);
-        return status;
-    }
-};
+// Runs "cwb ARGS" in-process and returns its exit status and what it printed.
+int run(std::vector<std::string> args, std::string* out, std::string* err) {
+    args.insert(args.begin(), "cwb");
+    std::vector<char*> argv;
+    for (std::string& w : args) argv.push_back(w.data());
+    argv.push_back(nullptr);
+    FILE* o = tmpfile();
+    FILE* e = tmpfile();
+    const int status = cwbtool::cwbMain(static_cast<int>(args.size()), argv.data(), o, e);
+    *out = readAll(o);
+    *err = readAll(e);
+    return status;
+}
+
+class CwbToolTest : public ServiceTest, public ::testing::WithParamInterface<ToolCase> {};
 
 TEST_P(CwbToolTest, PrintsTheAnswerAndExits) {
     const ToolCase& c = GetParam();
@@ -143,14 +142,11 @@ TEST_F(ServiceTest, CwbWatchPrintsEachChange) {
     bootOn();
     host::device::SimulatedDisplayConfig& vendor = *device->displayConfig();
     vendor.setManualCompletion(true);
-    std::vector<std::string> words = {"cwb", "--watch", "2",           "--count",
-                                      "3",   "--json",  "getRGBValue", "0,0,4,2"};
-    std::vector<char*> argv;
-    for (std::string& w : words) argv.push_back(w.data());
-    FILE* o = tmpfile();
     int status = -1;
+    std::string out, err;
     std::thread tool([&] {
-        status = cwbtool::cwbMain(static_cast<int>(argv.size()), argv.data(), o, stderr);
+        status = run({"--watch", "2", "--count", "3", "--json", "getRGBValue", "0,0,4,2"}, &out,
+                     &err);
     });
     // Each request captures a new picture; the layer change after it keeps the next one from
     // answering out of the cache. The watch period (500 ms) leaves ample time for both.
@@ -164,20 +160,16 @@ TEST_F(ServiceTest, CwbWatchPrintsEachChange) {
     }
     tool.join();
     EXPECT_EQ(0, status);
-    std::vector<std::string> rows;
-    std::istringstream in(readAll(o));
+    EXPECT_EQ("", err);
+    std::vector<std::string> rows, expected;
+    std::istringstream in(out);
     for (std::string line; std::getline(in, line);) rows.push_back(line.substr(line.find(",")));
-    const std::vector<std::string> expected = {
-            ",\"request\":\"getRGBValue "
-            "0,0,4,2\",\"status\":0,\"error\":\"NONE\",\"errorWord\":0,"
-            "\"rgb\":[40,40,40],\"state\":0}",
-            ",\"request\":\"getRGBValue "
-            "0,0,4,2\",\"status\":0,\"error\":\"NONE\",\"errorWord\":0,"
-            "\"rgb\":[80,80,80],\"state\":0}",
-            ",\"request\":\"getRGBValue "
-            "0,0,4,2\",\"status\":0,\"error\":\"NONE\",\"errorWord\":0,"
-            "\"rgb\":[120,120,120],\"state\":0}",
-    };
+    for (const char* v : {"40", "80", "120"}) {
+        expected.push_back(
+                ",\"request\":\"getRGBValue 0,0,4,2\",\"status\":0,\"error\":\"NONE\","
+                "\"errorWord\":0,\"rgb\":[" +
+                std::string(v) + "," + v + "," + v + "],\"state\":0}");
+    }
     EXPECT_EQ(expected, rows);
 }
 

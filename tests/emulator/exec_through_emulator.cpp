@@ -1,9 +1,6 @@
-// Linked into the test suite of a cross build only (-Wl,--wrap=execv). GoogleTest's threadsafe
-// death tests re-execute the test binary with execv; under qemu-user that goes to the build
-// machine's kernel, which cannot run an AArch64 program unless a binfmt handler is installed.
-// When the kernel refuses the format, the same arguments are run through the emulator instead.
-//
-// This runs in the cloned death-test child of a multi-threaded process: no allocation, no lock.
+// Cross builds only (-Wl,--wrap=execv): threadsafe death tests re-execute the test binary, which
+// the build machine's kernel may refuse to run; then the emulator runs it. This runs in the cloned
+// child of a multi-threaded process: no allocation, no lock.
 #include <errno.h>
 #include <stddef.h>
 #include <string.h>
