@@ -1,7 +1,7 @@
 // Frame analysis end to end: a known picture on the simulated panel, captured by the vendor's
 // writeback, answered fresh and then from the result caches, through rotation, fractions, the
 // secondary display and weights files.
-#include "service_fixture.h"
+#include "capture_helpers.h"
 
 namespace cwbtest {
 namespace {
@@ -11,14 +11,6 @@ using host::device::Pixel;
 
 constexpr Pixel kColour{200, 100, 50};  // no code here is a truncation trap of the inverse
 constexpr Pixel kBorder{0, 0, 255};
-
-int lumaCode(Pixel p) {
-    return (7 * p.r + 23 * p.g + 2 * p.b) >> 5;
-}
-
-size_t vendorRequests(const host::device::Device& device) {
-    return device.displayConfig()->requests().size();
-}
 
 void expectColour(Pixel expected, const Rgb& got) {
     EXPECT_EQ(expected.r, got.r);
@@ -55,8 +47,8 @@ struct FrameCase {
     friend void PrintTo(const FrameCase& c, std::ostream* os) { *os << c.name; }
 };
 
-class AnalysisFrames : public ServiceTest, public ::testing::WithParamInterface<FrameCase> {};
-class AnalysisFrameTest : public ServiceTest {};
+class AnalysisFrames : public CaptureTest, public ::testing::WithParamInterface<FrameCase> {};
+class AnalysisFrameTest : public CaptureTest {};
 
 TEST_P(AnalysisFrames, KnownFrameFreshThenCached) {
     const FrameCase& tc = GetParam();
@@ -72,7 +64,7 @@ TEST_P(AnalysisFrames, KnownFrameFreshThenCached) {
         auto [word, colour] = rgb(tc.input);
         EXPECT_EQ(0x1 << 16, word) << "pure colour in the high half, NONE in the low half";
         expectColour(kColour, colour);
-        EXPECT_EQ(1u, vendorRequests(*device));
+        EXPECT_EQ(1u, vendor().requests().size());
         EXPECT_EQ(round == 1, peer->rgbCacheHit());
     }
     ASSERT_TRUE(gateOpen());
@@ -80,8 +72,8 @@ TEST_P(AnalysisFrames, KnownFrameFreshThenCached) {
         SCOPED_TRACE(round == 0 ? "fresh" : "cached");
         auto [result, value] = luma(tc.input);
         EXPECT_EQ(Error::NONE, result);
-        EXPECT_FLOAT_EQ(lumaCode(kColour) / 255.0f, value);
-        EXPECT_EQ(2u, vendorRequests(*device));
+        EXPECT_FLOAT_EQ(lumaOf(kColour), value);
+        EXPECT_EQ(2u, vendor().requests().size());
     }
     ASSERT_TRUE(gateOpen());
     for (int round = 0; round < 2; ++round) {
@@ -89,10 +81,10 @@ TEST_P(AnalysisFrames, KnownFrameFreshThenCached) {
         auto [result, hist] = histogram(tc.input);
         EXPECT_EQ(Error::NONE, result);
         expectUniformHistogram(kColour, area, hist);
-        EXPECT_EQ(3u, vendorRequests(*device));
+        EXPECT_EQ(3u, vendor().requests().size());
     }
     // RGB follows the post-process setting (off), luma never post-processes, histogram always.
-    const auto requests = device->displayConfig()->requests();
+    const auto requests = vendor().requests();
     ASSERT_EQ(3u, requests.size());
     for (int i = 0; i < 3; ++i) {
         EXPECT_EQ(1, requests[i].displayType);
@@ -114,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
                           rect(frac(25000), frac(25000), frac(75000), frac(75000)),
                           rect(270, 600, 810, 1800)},
                 FrameCase{"Fractions", 0, kFractions, rect(359, 296, 720, 1303)}),
-        [](const auto& info) { return std::string(info.param.name); });
+        caseName);
 
 // The secondary panel (720 x 1600, a quarter turn): RGB reads its frame; luma and histogram read
 // the main display's capture buffer at the rectangle checked against the secondary display. That
@@ -134,7 +126,7 @@ TEST_F(AnalysisFrameTest, SecondaryDisplay) {
     EXPECT_EQ(Error::FAILED, luma(client).first);
     EXPECT_EQ(1u, logCount(ANDROID_LOG_ERROR, "mCwbBufferHandle.base is NULL"));
     EXPECT_EQ(1u, logCount(ANDROID_LOG_DEBUG, "Get Luma error\n"));
-    EXPECT_EQ(0u, vendorRequests(*device));
+    EXPECT_EQ(0u, vendor().requests().size());
     for (int round = 0; round < 2; ++round) {
         auto [word, colour] = rgb(client);
         EXPECT_EQ(0, word);
@@ -142,20 +134,20 @@ TEST_F(AnalysisFrameTest, SecondaryDisplay) {
     }
     peer->setDisplayId(0);
     ASSERT_TRUE(gateOpen());
-    EXPECT_FLOAT_EQ(lumaCode(mainColour) / 255.0f, luma(working).second);
+    EXPECT_FLOAT_EQ(lumaOf(mainColour), luma(working).second);
 
     peer->setDisplayId(3);
     composer->layerChange();
     ASSERT_TRUE(gateOpen());
     auto [lumaResult, value] = luma(client);
     EXPECT_EQ(Error::NONE, lumaResult);
-    EXPECT_FLOAT_EQ(lumaCode(mainColour) / 255.0f, value);
+    EXPECT_FLOAT_EQ(lumaOf(mainColour), value);
     ASSERT_TRUE(gateOpen());
     auto [histResult, hist] = histogram(client);
     EXPECT_EQ(Error::NONE, histResult);
     expectUniformHistogram(mainColour, 200 * 200, hist);
 
-    const auto requests = device->displayConfig()->requests();
+    const auto requests = vendor().requests();
     ASSERT_EQ(4u, requests.size());
     EXPECT_EQ(4, requests[0].displayType);
     for (size_t i = 1; i < requests.size(); ++i) EXPECT_EQ(1, requests[i].displayType);
@@ -166,7 +158,7 @@ TEST_F(AnalysisFrameTest, SecondaryDisplay) {
     EXPECT_EQ(Error::SCREEN_OFF, luma(client).first);
     EXPECT_EQ(Error::SCREEN_OFF, histogram(client).first);
     EXPECT_EQ(static_cast<int32_t>(Error::SCREEN_OFF), rgb(client).first);
-    EXPECT_EQ(4u, vendorRequests(*device));
+    EXPECT_EQ(4u, vendor().requests().size());
 }
 
 // ---- Weights files ----
@@ -192,7 +184,7 @@ std::string weightsFile(int count, const std::string& list) {
     return "{\"count\": " + std::to_string(count) + ", \"Weights\": [" + list + "]}";
 }
 
-class AnalysisWeights : public ServiceTest, public ::testing::WithParamInterface<WeightsCase> {};
+class AnalysisWeights : public CaptureTest, public ::testing::WithParamInterface<WeightsCase> {};
 
 TEST_P(AnalysisWeights, WeightedMeanOnlyWhenTheCountMatches) {
     const WeightsCase& tc = GetParam();
@@ -212,33 +204,23 @@ TEST_P(AnalysisWeights, WeightedMeanOnlyWhenTheCountMatches) {
     expectColour(tc.expected, colour);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-        Files, AnalysisWeights,
-        ::testing::Values(
-                WeightsCase{"SingleWeightPicksItsPixel", weightsFile(6, "0, 0, 0, 0, 1, 0"), "",
-                            false, kMixed, kMixed[4]},
-                WeightsCase{"EvenWeightsAverageInLinearLight",
-                            weightsFile(6, "1,1,1,1,1,1"),
-                            "",
-                            false,
-                            {{kB, kW, kB, kW, kB, kW}},
-                            {187, 187, 187}},
-                WeightsCase{"NegativeWeightIsSigned",
-                            weightsFile(6, "0,-1,0,0,2,0"),
-                            "",
-                            false,
-                            {{kB, kW, kB, kB, kW, kB}},
-                            kW},
-                WeightsCase{"CountOneShort", weightsFile(5, "0,0,0,0,1"), "", false, kMixed,
-                            kFirst},
-                WeightsCase{"CountOneLong", weightsFile(7, "0,0,0,0,1,0,0"), "", false, kMixed,
-                            kFirst},
-                WeightsCase{"AllZeroWeights", weightsFile(6, "0,0,0,0,0,0"), "", false, kMixed, kB},
-                WeightsCase{"SecondaryUsesItsOwnFile", weightsFile(6, "0,0,1,0,0,0"),
-                            weightsFile(6, "0,0,0,0,1,0"), true, kMixed, kMixed[4]},
-                WeightsCase{"MainFileNeverWeighsTheSecondary", weightsFile(6, "0,0,0,0,1,0"), "",
-                            true, kMixed, kFirst}),
-        [](const auto& info) { return std::string(info.param.name); });
+// clang-format off
+const WeightsCase kWeights[] = {
+    {"SingleWeightPicksItsPixel", weightsFile(6, "0, 0, 0, 0, 1, 0"), "", false, kMixed, kMixed[4]},
+    {"EvenWeightsAverageInLinearLight", weightsFile(6, "1,1,1,1,1,1"), "", false,
+     {{kB, kW, kB, kW, kB, kW}}, {187, 187, 187}},
+    {"NegativeWeightIsSigned", weightsFile(6, "0,-1,0,0,2,0"), "", false,
+     {{kB, kW, kB, kB, kW, kB}}, kW},
+    {"CountOneShort", weightsFile(5, "0,0,0,0,1"), "", false, kMixed, kFirst},
+    {"CountOneLong", weightsFile(7, "0,0,0,0,1,0,0"), "", false, kMixed, kFirst},
+    {"AllZeroWeights", weightsFile(6, "0,0,0,0,0,0"), "", false, kMixed, kB},
+    {"SecondaryUsesItsOwnFile", weightsFile(6, "0,0,1,0,0,0"), weightsFile(6, "0,0,0,0,1,0"), true,
+     kMixed, kMixed[4]},
+    {"MainFileNeverWeighsTheSecondary", weightsFile(6, "0,0,0,0,1,0"), "", true, kMixed, kFirst},
+};
+// clang-format on
+
+INSTANTIATE_TEST_SUITE_P(Files, AnalysisWeights, ::testing::ValuesIn(kWeights), caseName);
 
 }  // namespace
 }  // namespace cwbtest

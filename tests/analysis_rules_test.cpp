@@ -1,16 +1,14 @@
 // The request frame around the three analyses: result words and zeroed outputs, the busy request
-// lock, the power and always-on-display rules with the doze capture counter, cache answers while
-// the screen is off, unknown display ids, and clients racing layer changes.
+// lock, the screen-off and doze capture rules, cache answers while off, and unknown display ids.
 #include <future>
 
-#include "service_fixture.h"
+#include "capture_helpers.h"
 
 namespace cwbtest {
 namespace {
 
 using host::device::Frame;
 using host::device::Pixel;
-using Outcome = host::device::SimulatedDisplayConfig::Outcome;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
@@ -19,10 +17,6 @@ constexpr Pixel kOther{20, 240, 160};
 constexpr int32_t kFailed = static_cast<int32_t>(Error::FAILED);
 constexpr int32_t kInvalid = static_cast<int32_t>(Error::INVALID_ARGUMENT);
 constexpr int32_t kScreenOff = static_cast<int32_t>(Error::SCREEN_OFF);
-
-float lumaOf(Pixel p) {
-    return static_cast<float>((7 * p.r + 23 * p.g + 2 * p.b) >> 5) / 255.0f;
-}
 
 Frame uniform(Pixel p) {
     return Frame::filled(1080, 2400, p.r, p.g, p.b);
@@ -33,14 +27,9 @@ enum class Request { Rgb, Luma, Histogram };
 const Rect kA = rect(100, 200, 300, 400);
 const Rect kB = rect(0, 0, 64, 64);
 
-class AnalysisRules : public ServiceTest {
+class AnalysisRules : public CaptureTest {
   protected:
-    size_t vendorRequests() const { return device->displayConfig()->requests().size(); }
-
-    void debugOn() {
-        Error ignored;
-        ASSERT_TRUE(service->setDebug({1}, &ignored).isOk());
-    }
+    size_t vendorRequests() { return vendor().requests().size(); }
 
     // Outputs start dirty so that a failure has to zero them.
     int32_t rgbInto(const Rect& r, Rgb* out) {
@@ -108,76 +97,35 @@ class AnalysisRules : public ServiceTest {
 
 // ---- Result words and zeroed outputs ----
 
-enum class Arrange {
-    On,
-    Disabled,
-    StatusOff,
-    NegativeDisplayId,
-    BadRect,
-    PowerOff,
-    Doze,
-    DozeSuspend,
-    AodLayerAllowed,
-    AodLayerForbidden,
-    VendorError,
-};
+class AnalysisOutcome;
 
 struct OutcomeCase {
     const char* name;
-    Arrange arrange;
+    bool aodForbidden;
+    void (*arrange)(AnalysisOutcome&);  // after boot, before the three requests
     int32_t rgbWord;
     Error luma;
     Error histogram;
+    size_t requests;  // made of the vendor
     int priority;
     const char* line;  // logged `lines` times over the three requests
     size_t lines;
     friend void PrintTo(const OutcomeCase& c, std::ostream* os) { *os << c.name; }
 };
 
-class AnalysisOutcome : public AnalysisRules, public ::testing::WithParamInterface<OutcomeCase> {};
+class AnalysisOutcome : public AnalysisRules, public ::testing::WithParamInterface<OutcomeCase> {
+  public:
+    static std::vector<OutcomeCase> cases();
+    Rect r = kA;
+};
 
 TEST_P(AnalysisOutcome, ResultWordAndOutputsOfEachRequest) {
     const OutcomeCase& tc = GetParam();
-    if (tc.arrange == Arrange::AodLayerForbidden) {
-        setProp("ro.vendor.zarel.display.cwb.aod_forbidden", "1");
-    }
+    setProp("ro.vendor.zarel.display.cwb.aod_forbidden", tc.aodForbidden ? "1" : "0");
     device->setFrame(PanelId::Main, FrameKind::Mixer, uniform(kColour));
     bootOn();
-    debugOn();
-    Rect r = kA;
-    bool done = false;
-    switch (tc.arrange) {
-        case Arrange::On:
-            break;
-        case Arrange::Disabled:
-            ASSERT_TRUE(service->disable(&done).isOk());
-            break;
-        case Arrange::StatusOff:
-            composer->status(false);
-            break;
-        case Arrange::NegativeDisplayId:
-            peer->setDisplayId(-1);
-            break;
-        case Arrange::BadRect:
-            r = rect(0, 0, 1081, 2400);
-            break;
-        case Arrange::PowerOff:
-            composer->powerMode(0, 0);
-            break;
-        case Arrange::Doze:
-            composer->powerMode(0, 1);
-            break;
-        case Arrange::DozeSuspend:
-            composer->powerMode(0, 3);
-            break;
-        case Arrange::AodLayerAllowed:
-        case Arrange::AodLayerForbidden:
-            composer->aodLayer(true);
-            break;
-        case Arrange::VendorError:
-            for (int i = 0; i < 3; ++i) device->displayConfig()->pushOutcome(Outcome::Error, -1);
-            break;
-    }
+    setDebug({1});
+    tc.arrange(*this);
     host::log::clear();
     ASSERT_TRUE(gateOpen());
     expectRgb(tc.rgbWord, kColour, r);
@@ -185,42 +133,54 @@ TEST_P(AnalysisOutcome, ResultWordAndOutputsOfEachRequest) {
     expectLuma(tc.luma, kColour, r);
     ASSERT_TRUE(gateOpen());
     expectHistogram(tc.histogram, kColour, r);
-
-    const size_t answered =
-            (tc.rgbWord == 0) + (tc.luma == Error::NONE) + (tc.histogram == Error::NONE);
-    EXPECT_EQ(tc.arrange == Arrange::VendorError ? 3u : answered, vendorRequests());
+    EXPECT_EQ(tc.requests, vendorRequests());
     EXPECT_EQ(tc.lines, logCount(tc.priority, tc.line)) << tc.line;
 }
 
-constexpr Error kNone = Error::NONE;
+std::vector<OutcomeCase> AnalysisOutcome::cases() {
+    using T = AnalysisOutcome;
+    const Error kNone = Error::NONE, kF = Error::FAILED, kI = Error::INVALID_ARGUMENT,
+                kOff = Error::SCREEN_OFF;
+    const int kDebug = ANDROID_LOG_DEBUG, kError = ANDROID_LOG_ERROR, kInfo = ANDROID_LOG_INFO;
+    // clang-format off
+    return {
+        {"On", false, [](T&) {}, 0, kNone, kNone, 3, kInfo, "DumpFinish\n", 3},
+        {"Disabled", false,
+         [](T& t) {
+             bool done = false;
+             ASSERT_TRUE(t.service->disable(&done).isOk());
+         },
+         kFailed, kF, kF, 0, kDebug, "Screen power off\n", 0},
+        {"StatusOff", false, [](T& t) { t.composer->status(false); },
+         kFailed, kF, kF, 0, kDebug, "Screen power off\n", 0},
+        {"NegativeDisplayId", false, [](T& t) { t.peer->setDisplayId(-1); },
+         kFailed, kF, kF, 0, kError, "No valid display ID specified", 3},
+        // No resolution: every rectangle is out of bounds.
+        {"UnknownDisplayId", false, [](T& t) { t.peer->setDisplayId(5); },
+         kInvalid, kI, kI, 0, kError, "input rect error [100,200,300,400]\n", 3},
+        {"BadRect", false, [](T& t) { t.r = rect(0, 0, 1081, 2400); },
+         kInvalid, kI, kI, 0, kError, "input rect error [0,0,1081,2400]\n", 3},
+        {"PowerOff", false, [](T& t) { t.composer->powerMode(0, 0); },
+         kScreenOff, kOff, kOff, 0, kDebug, "Screen power off\n", 2},
+        {"Doze", false, [](T& t) { t.composer->powerMode(0, 1); },
+         0, kNone, kNone, 3, kDebug, "doze reset mAodForbiddenCnt 0", 1},
+        {"DozeSuspendRefusesOnlyRgb", false, [](T& t) { t.composer->powerMode(0, 3); },
+         kScreenOff, kNone, kNone, 2, kDebug, "Screen power off and status: 3 0 0 0\n", 1},
+        {"AodLayerWithoutRestriction", false, [](T& t) { t.composer->aodLayer(true); },
+         0, kNone, kNone, 3, kDebug, "Screen power off\n", 0},
+        {"AodLayerForbidden", true, [](T& t) { t.composer->aodLayer(true); },
+         0, kOff, kOff, 1, kDebug, "Screen power off\n", 2},
+        {"VendorError", false,
+         [](T& t) {
+             for (int i = 0; i < 3; ++i) t.vendor().pushOutcome(Outcome::Error, -1);
+         },
+         kFailed, kF, kF, 3, kInfo, "Failed to dump data.\n", 3},
+    };
+    // clang-format on
+}
 
-INSTANTIATE_TEST_SUITE_P(
-        States, AnalysisOutcome,
-        ::testing::Values(
-                OutcomeCase{"On", Arrange::On, 0, kNone, kNone, ANDROID_LOG_INFO, "DumpFinish\n",
-                            3},
-                OutcomeCase{"Disabled", Arrange::Disabled, kFailed, Error::FAILED, Error::FAILED,
-                            ANDROID_LOG_DEBUG, "Screen power off\n", 0},
-                OutcomeCase{"StatusOff", Arrange::StatusOff, kFailed, Error::FAILED, Error::FAILED,
-                            ANDROID_LOG_DEBUG, "Screen power off\n", 0},
-                OutcomeCase{"NegativeDisplayId", Arrange::NegativeDisplayId, kFailed, Error::FAILED,
-                            Error::FAILED, ANDROID_LOG_ERROR, "No valid display ID specified", 3},
-                OutcomeCase{"BadRect", Arrange::BadRect, kInvalid, Error::INVALID_ARGUMENT,
-                            Error::INVALID_ARGUMENT, ANDROID_LOG_ERROR,
-                            "input rect error [0,0,1081,2400]\n", 3},
-                OutcomeCase{"PowerOff", Arrange::PowerOff, kScreenOff, Error::SCREEN_OFF,
-                            Error::SCREEN_OFF, ANDROID_LOG_DEBUG, "Screen power off\n", 2},
-                OutcomeCase{"Doze", Arrange::Doze, 0, kNone, kNone, ANDROID_LOG_DEBUG,
-                            "doze reset mAodForbiddenCnt 0", 1},
-                OutcomeCase{"DozeSuspendRefusesOnlyRgb", Arrange::DozeSuspend, kScreenOff, kNone,
-                            kNone, ANDROID_LOG_DEBUG, "Screen power off and status: 3 0 0 0\n", 1},
-                OutcomeCase{"AodLayerWithoutRestriction", Arrange::AodLayerAllowed, 0, kNone, kNone,
-                            ANDROID_LOG_DEBUG, "Screen power off\n", 0},
-                OutcomeCase{"AodLayerForbidden", Arrange::AodLayerForbidden, 0, Error::SCREEN_OFF,
-                            Error::SCREEN_OFF, ANDROID_LOG_DEBUG, "Screen power off\n", 2},
-                OutcomeCase{"VendorError", Arrange::VendorError, kFailed, Error::FAILED,
-                            Error::FAILED, ANDROID_LOG_INFO, "Failed to dump data.\n", 3}),
-        [](const auto& info) { return std::string(info.param.name); });
+INSTANTIATE_TEST_SUITE_P(States, AnalysisOutcome, ::testing::ValuesIn(AnalysisOutcome::cases()),
+                         caseName);
 
 // ---- Busy request lock ----
 
@@ -345,28 +305,13 @@ TEST_F(AnalysisRules, DisplayOffAnswersCachedRectanglesWhileTheFrameIsCurrent) {
     EXPECT_EQ(3u, vendorRequests());
 }
 
-// ---- Display ids other than the main and the secondary ----
-
-TEST_F(AnalysisRules, UnknownDisplayIdHasNoResolution) {
-    device->setFrame(PanelId::Main, FrameKind::Mixer, uniform(kColour));
-    bootOn();
-    peer->setDisplayId(5);
-    expectRgb(kInvalid, kColour, kA);
-    expectLuma(Error::INVALID_ARGUMENT, kColour, kA);
-    expectHistogram(Error::INVALID_ARGUMENT, kColour, kA);
-    EXPECT_EQ(0u, vendorRequests());
-}
-
-// An RGB request reads the display id once, when it logs it; if the id then changes to the main
-// display before the rectangle check (another client's feature request does that), the request
-// passes the check but has no display to capture: FAILED, nothing requested from the vendor.
-// The display is chosen once per request: one stored meanwhile does not let an unknown display
-// past the rectangle check.
+// The display is chosen once per request: the main display stored meanwhile (by another client's
+// feature request) does not let an unknown display past the rectangle check.
 TEST_F(AnalysisRules, UnknownDisplayIdStaysChosenForTheWholeRequest) {
     device->setFrame(PanelId::Main, FrameKind::Mixer, uniform(kColour));
     bootOn();
     expectRgb(0, kColour, kA);
-    debugOn();
+    setDebug({1});
     peer->setDisplayId(5);
     host::log::setListener([this](const host::log::Line& line) {
         if (line.text.rfind("getRGBValue [", 0) == 0) peer->setDisplayId(0);
@@ -377,72 +322,6 @@ TEST_F(AnalysisRules, UnknownDisplayIdStaysChosenForTheWholeRequest) {
     EXPECT_EQ(1u, vendorRequests());
     EXPECT_EQ(1u, host::log::countContaining("input rect error [0,0,64,64]"));
     EXPECT_EQ(1u, peer->cacheSize(0));
-}
-
-// ---- Concurrency ----
-
-TEST_F(AnalysisRules, ClientsMixRequestsWhileLayersChange) {
-    device->setFrame(PanelId::Main, FrameKind::Mixer, uniform(kColour));
-    const Frame frames[] = {uniform(kColour), uniform(kOther)};
-    bootOn();
-    constexpr int kClients = 3;
-    constexpr int kIterations = 30;
-    const Rect rects[] = {kA, kB, rect(500, 500, 530, 560)};
-    std::atomic<int> answered{0};
-    std::atomic<bool> clientsDone{false};
-
-    auto client = [&](int id) {
-        for (int i = 0; i < kIterations; ++i) {
-            const Rect& r = rects[(id + i) % 3];
-            switch ((id + i) % 3) {
-                case 0: {
-                    Rgb out;
-                    const int32_t word = rgbInto(r, &out);
-                    ASSERT_TRUE(word == 0 || word == kFailed) << word;
-                    if (word == 0) {
-                        ASSERT_TRUE(out.r == kColour.r || out.r == kOther.r) << out.r;
-                        ASSERT_EQ(out.r == kColour.r ? kColour.b : kOther.b, out.b);
-                        ++answered;
-                    }
-                    break;
-                }
-                case 1: {
-                    auto [result, value] = luma(r);
-                    ASSERT_TRUE(result == Error::NONE || result == Error::FAILED);
-                    if (result == Error::NONE) {
-                        ASSERT_TRUE(value == lumaOf(kColour) || value == lumaOf(kOther)) << value;
-                        ++answered;
-                    }
-                    break;
-                }
-                default: {
-                    auto [result, h] = histogram(r);
-                    ASSERT_TRUE(result == Error::NONE || result == Error::FAILED);
-                    if (result == Error::NONE) {
-                        const int32_t area = (r.right - r.left) * (r.bottom - r.top);
-                        ASSERT_TRUE(h.counts[kColour.r * 3] == area ||
-                                    h.counts[kOther.r * 3] == area);
-                        ++answered;
-                    }
-                    break;
-                }
-            }
-        }
-    };
-    std::vector<std::thread> threads;
-    for (int id = 0; id < kClients; ++id) threads.emplace_back(client, id);
-    std::thread host([&] {
-        for (int i = 0; !clientsDone; ++i) {
-            device->setFrame(PanelId::Main, FrameKind::Mixer, frames[i % 2]);
-            composer->layerChange();
-            std::this_thread::sleep_for(milliseconds(2));
-        }
-    });
-    for (auto& t : threads) t.join();
-    clientsDone = true;
-    host.join();
-    EXPECT_GT(answered.load(), 0);
-    EXPECT_GT(vendorRequests(), 0u);
 }
 
 }  // namespace

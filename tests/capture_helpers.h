@@ -12,6 +12,11 @@ namespace cwbtest {
 using Outcome = host::device::SimulatedDisplayConfig::Outcome;
 using Lines = std::vector<std::string>;
 
+// The luma pass's answer for a uniform colour: its code over full scale.
+inline float lumaOf(host::device::Pixel p) {
+    return static_cast<float>((7 * p.r + 23 * p.g + 2 * p.b) >> 5) / 255.0f;
+}
+
 // Names parameterised cases after their `name` member.
 inline const auto caseName = [](const auto& info) { return std::string(info.param.name); };
 

@@ -1,8 +1,8 @@
-// Every pixel kernel (portable, and each instruction set this CPU runs) against plain loops
-// written here: luma and histogram over every pixel, the gamma-table sums in row-major order
-// with the per-pixel sampler, over seeded random frames and rectangles. Results must match bit
-// for bit. The weighted reference is the plain `sum += table * weight`: built without
-// floating-point contraction it rounds the product first, as the kernels always do.
+// Every pixel kernel (portable, and each instruction set this CPU runs) against
+// plain loops over seeded random frames and rectangles, bit for bit. The
+// weighted reference is the plain `sum += table * weight`: built without
+// floating-point contraction it rounds the product first, as the kernels always
+// do.
 #include <ColorTempHelper.h>
 #include <GammaTable.h>
 #include <PixelKernels.h>
@@ -16,23 +16,16 @@
 
 namespace {
 
-using aidl::vendor::zarel::hardware::cwb::implementation::avx2PixelKernels;
-using aidl::vendor::zarel::hardware::cwb::implementation::ColorRange;
-using aidl::vendor::zarel::hardware::cwb::implementation::ColorTempHelper;
-using aidl::vendor::zarel::hardware::cwb::implementation::kGammaTable;
-using aidl::vendor::zarel::hardware::cwb::implementation::LinearSums;
-using aidl::vendor::zarel::hardware::cwb::implementation::linearSumsSampled;
-using aidl::vendor::zarel::hardware::cwb::implementation::linearSumsWeighted;
-using aidl::vendor::zarel::hardware::cwb::implementation::neonPixelKernels;
-using aidl::vendor::zarel::hardware::cwb::implementation::pixelKernels;
-using aidl::vendor::zarel::hardware::cwb::implementation::PixelKernelSet;
-using aidl::vendor::zarel::hardware::cwb::implementation::PixelRect;
-using aidl::vendor::zarel::hardware::cwb::implementation::portablePixelKernels;
+namespace impl = aidl::vendor::zarel::hardware::cwb::implementation;
+using impl::ColorTempHelper;
+using impl::kGammaTable;
+using impl::PixelKernelSet;
 
 enum class Content { Noise, Gradient, FlatUi, Uniform };
 
-// A frame of `pitch`-pixel rows; a rectangle of it is handed to a kernel as a copy that ends
-// with the rectangle's last byte, so that a read past it is an out-of-bounds read.
+// A frame of `pitch`-pixel rows; a rectangle of it is handed to a kernel as a
+// copy that ends with the rectangle's last byte, so that a read past it is an
+// out-of-bounds read.
 struct Frame {
     Frame(std::mt19937& rng, Content content, int code) {
         width = 1 + static_cast<int>(rng() % 150);
@@ -82,16 +75,16 @@ struct View {
         const size_t start = a.top * pitchBytes + 3 * static_cast<size_t>(a.left);
         bytes.assign(f.bytes.begin() + start,
                      f.bytes.begin() + start + (a.height - 1) * pitchBytes + 3 * a.width);
-        rect = PixelRect{bytes.data(), pitchBytes, static_cast<uint32_t>(a.width),
-                         static_cast<uint32_t>(a.height)};
+        rect = impl::PixelRect{bytes.data(), pitchBytes, static_cast<uint32_t>(a.width),
+                               static_cast<uint32_t>(a.height)};
     }
     const uint8_t* at(int x, int y) const { return rect.base + y * rect.pitchBytes + 3 * x; }
     std::vector<uint8_t> bytes;
-    PixelRect rect;
+    impl::PixelRect rect;
 };
 
-// The whole frame, 1-pixel rectangles in every corner, strips along every edge, and a random
-// one (odd widths come up often: widths are uniform).
+// The whole frame, 1-pixel rectangles in every corner, strips along every edge,
+// and a random one (odd widths come up often: widths are uniform).
 std::vector<Area> areasOf(const Frame& f, std::mt19937& rng) {
     const int w = f.width;
     const int h = f.height;
@@ -108,9 +101,10 @@ std::vector<Area> areasOf(const Frame& f, std::mt19937& rng) {
 }
 
 std::vector<const PixelKernelSet*> kernelSets() {
-    std::vector<const PixelKernelSet*> sets = {&portablePixelKernels(), &pixelKernels()};
-    if (avx2PixelKernels() != nullptr) sets.push_back(avx2PixelKernels());
-    if (neonPixelKernels() != nullptr) sets.push_back(neonPixelKernels());
+    std::vector<const PixelKernelSet*> sets = {&impl::portablePixelKernels(),
+                                               &impl::pixelKernels()};
+    if (impl::avx2PixelKernels() != nullptr) sets.push_back(impl::avx2PixelKernels());
+    if (impl::neonPixelKernels() != nullptr) sets.push_back(impl::neonPixelKernels());
     return sets;
 }
 
@@ -148,7 +142,7 @@ Sums referenceWeighted(const View& v, const int32_t* w, ColorTempHelper& sampler
 
 std::string describe(const ColorTempHelper& s) {
     std::string out = "pure " + std::to_string(s.mPure) + " bw " + std::to_string(s.mBlackWhite);
-    const ColorRange* ranges[3] = {&s.mRangeFull, &s.mRange1, &s.mRange2};
+    const impl::ColorRange* ranges[3] = {&s.mRangeFull, &s.mRange1, &s.mRange2};
     const bool valid[3] = {s.mRangeFullValid, s.mRange1Valid, s.mRange2Valid};
     for (int i = 0; i < 3; ++i) {
         out += " | " + std::to_string(valid[i]);
@@ -160,19 +154,21 @@ std::string describe(const ColorTempHelper& s) {
     return out;
 }
 
-void expectSameBits(const Sums& want, const LinearSums& got, const std::string& where) {
+void expectSameBits(const Sums& want, const impl::LinearSums& got, const std::string& where) {
     for (int c = 0; c < 3; ++c) {
         EXPECT_EQ(0, memcmp(&want.sum[c], &got.sum[c], sizeof(double)))
                 << where << " channel " << c << ": " << want.sum[c] << " vs " << got.sum[c];
     }
 }
 
-// Disjoint bands, overlapping ones (the first wins), nested, identical, inverted (empty),
-// limits beyond the codes, a single-code band, and a sampler left disabled.
+// Disjoint bands, overlapping ones (the first wins), nested, identical,
+// inverted (empty), limits beyond the codes, a single-code band, and a sampler
+// left disabled.
 const char* const kBandLayouts[] = {"0,10,245,255", "0,200,100,255",  "0,255,20,40",   "5,5,5,5",
                                     "40,20,0,255",  "-50,30,200,900", "128,128,0,127", "0,10,245"};
 
-// Random weights, a zero total, all negative, and the int32 extremes (their total wraps).
+// Random weights, a zero total, all negative, and the int32 extremes (their
+// total wraps).
 enum class Weights { Random, ZeroSum, Negative, Large };
 
 std::vector<int32_t> makeWeights(std::mt19937& rng, Weights kind, size_t n) {
@@ -208,79 +204,75 @@ struct Trial {
     uint32_t seed;
 };
 
-// Seeded frames of each content kind, plus a uniform frame of every code (which holds the
-// gamma traps 53 and 187).
-std::vector<Trial> trials() {
-    std::vector<Trial> out;
+// Seeded frames of each content kind, plus a uniform frame of every code (which
+// holds the gamma traps 53 and 187); fn sees each area of each frame with the
+// frame's generator.
+template <typename Fn>
+void forEachView(uint32_t seedFactor, Fn fn) {
+    std::vector<Trial> trials;
     for (uint32_t seed = 1; seed <= 24; ++seed) {
         for (Content c : {Content::Noise, Content::Gradient, Content::FlatUi}) {
-            out.push_back({c, 0, seed});
+            trials.push_back({c, 0, seed});
         }
     }
-    for (int code = 0; code < 256; ++code) out.push_back({Content::Uniform, code, 1000u + code});
-    return out;
+    for (int code = 0; code < 256; ++code) trials.push_back({Content::Uniform, code, 1000u + code});
+    for (const Trial& trial : trials) {
+        std::mt19937 rng(trial.seed * seedFactor);
+        const Frame frame(rng, trial.content, trial.code);
+        for (const Area& a : areasOf(frame, rng)) fn(trial, a, View(frame, a), rng);
+    }
 }
 
 TEST(PixelKernels, LumaAndHistogramMatchThePlainLoopsOnEverySet) {
-    for (const Trial& trial : trials()) {
-        std::mt19937 rng(trial.seed);
-        const Frame frame(rng, trial.content, trial.code);
-        for (const Area& a : areasOf(frame, rng)) {
-            const View v(frame, a);
-            uint32_t luma = 0;
-            std::vector<unsigned int> bins(256 * 3, 7u);  // kernels add to what is there
-            for (uint32_t y = 0; y < v.rect.height; ++y) {
-                for (uint32_t x = 0; x < v.rect.width; ++x) {
-                    const uint8_t* p = v.at(x, y);
-                    luma += (7u * p[0] + 23u * p[1] + 2u * p[2]) >> 5;
-                    for (int c = 0; c < 3; ++c) ++bins[p[c] * 3 + c];
-                }
-            }
-            for (const PixelKernelSet* set : kernelSets()) {
-                const std::string where =
-                        std::string(set->name) + " seed " + std::to_string(trial.seed) + " area " +
-                        std::to_string(a.left) + "," + std::to_string(a.top) + " " +
-                        std::to_string(a.width) + "x" + std::to_string(a.height);
-                EXPECT_EQ(luma, set->lumaSum(v.rect)) << where;
-                std::vector<unsigned int> got(256 * 3, 7u);
-                set->histogram(v.rect, reinterpret_cast<unsigned int(*)[3]>(got.data()));
-                EXPECT_EQ(bins, got) << where;
+    forEachView(1, [](const Trial& trial, const Area& a, const View& v, std::mt19937&) {
+        uint32_t luma = 0;
+        std::vector<unsigned int> bins(256 * 3, 7u);  // kernels add to what is there
+        for (uint32_t y = 0; y < v.rect.height; ++y) {
+            for (uint32_t x = 0; x < v.rect.width; ++x) {
+                const uint8_t* p = v.at(x, y);
+                luma += (7u * p[0] + 23u * p[1] + 2u * p[2]) >> 5;
+                for (int c = 0; c < 3; ++c) ++bins[p[c] * 3 + c];
             }
         }
-    }
+        for (const PixelKernelSet* set : kernelSets()) {
+            const std::string where = std::string(set->name) + " seed " +
+                                      std::to_string(trial.seed) + " area " +
+                                      std::to_string(a.left) + "," + std::to_string(a.top) + " " +
+                                      std::to_string(a.width) + "x" + std::to_string(a.height);
+            EXPECT_EQ(luma, set->lumaSum(v.rect)) << where;
+            std::vector<unsigned int> got(256 * 3, 7u);
+            set->histogram(v.rect, reinterpret_cast<unsigned int(*)[3]>(got.data()));
+            EXPECT_EQ(bins, got) << where;
+        }
+    });
 }
 
 TEST(PixelKernels, RgbSumsAndSamplerMatchThePlainLoopsBitForBit) {
     int layout = 0;
-    for (const Trial& trial : trials()) {
-        std::mt19937 rng(trial.seed * 7919u);
-        const Frame frame(rng, trial.content, trial.code);
-        for (const Area& a : areasOf(frame, rng)) {
-            const View v(frame, a);
-            const char* bands = kBandLayouts[layout++ % std::size(kBandLayouts)];
-            const Weights kind = static_cast<Weights>(rng() % 4);
-            const std::vector<int32_t> w = makeWeights(rng, kind, v.rect.width * v.rect.height);
-            const std::string where = std::string("seed ") + std::to_string(trial.seed) +
-                                      " bands " + bands + " weights " +
-                                      std::to_string(static_cast<int>(kind)) + " area " +
-                                      std::to_string(a.width) + "x" + std::to_string(a.height);
-            for (bool weighted : {false, true}) {
-                ColorTempHelper want;
-                ColorTempHelper got;
-                want.configure(bands);
-                got.configure(bands);
-                const Sums ref =
-                        weighted ? referenceWeighted(v, w.data(), want) : referenceSampled(v, want);
-                int32_t weightSum = 0;
-                const LinearSums sums =
-                        weighted ? linearSumsWeighted(v.rect, w.data(), &weightSum, &got)
-                                 : linearSumsSampled(v.rect, &got);
-                expectSameBits(ref, sums, where + (weighted ? " weighted" : " sampled"));
-                EXPECT_EQ(ref.weightSum, weighted ? weightSum : 0) << where;
-                EXPECT_EQ(describe(want), describe(got)) << where;
-            }
+    forEachView(7919u, [&](const Trial& trial, const Area& a, const View& v, std::mt19937& rng) {
+        const char* bands = kBandLayouts[layout++ % std::size(kBandLayouts)];
+        const Weights kind = static_cast<Weights>(rng() % 4);
+        const std::vector<int32_t> w = makeWeights(rng, kind, v.rect.width * v.rect.height);
+        const std::string where = std::string("seed ") + std::to_string(trial.seed) + " bands " +
+                                  bands + " weights " + std::to_string(static_cast<int>(kind)) +
+                                  " area " + std::to_string(a.width) + "x" +
+                                  std::to_string(a.height);
+        for (bool weighted : {false, true}) {
+            ColorTempHelper want;
+            ColorTempHelper got;
+            want.configure(bands);
+            got.configure(bands);
+            const Sums ref =
+                    weighted ? referenceWeighted(v, w.data(), want) : referenceSampled(v, want);
+            int32_t weightSum = 0;
+            const impl::LinearSums sums =
+                    weighted ? impl::linearSumsWeighted(v.rect, w.data(), &weightSum, &got)
+                             : impl::linearSumsSampled(v.rect, &got);
+            expectSameBits(ref, sums, where + (weighted ? " weighted" : " sampled"));
+            EXPECT_EQ(ref.weightSum, weighted ? weightSum : 0) << where;
+            EXPECT_EQ(describe(want), describe(got)) << where;
         }
-    }
+    });
 }
 
 }  // namespace

@@ -91,47 +91,40 @@ class RequestAllocationTest : public ServiceTest {
     Error error = Error::FAILED;
 };
 
-struct Request {
-    const char* name;
-    void (*call)(RequestAllocationTest&);
-};
-
 TEST_F(RequestAllocationTest, CacheHitsPassesAndCropsAllocateNothingAfterWarmUp) {
     lumasOut.reserve(64);
     valuesOut.reserve(64);
-    auto* t = this;
-    const std::function<void()> calls[] = {
-            [t] { t->service->getRGBValue(t->kArea, &t->rgbOut, &t->error); },
-            [t] { t->service->getLumasValue(t->kArea, &t->lumasOut, &t->error); },
-            [t] { t->service->getHistogramValue(t->kArea, &t->histogramOut, &t->error); },
-            [t] { t->service->getCwbValue(2, t->kArea, &t->valuesOut, &t->error); },
-            [t] { t->service->getCwbValue(1, t->kArea, &t->valuesOut, &t->error); },
-            [t] {
-                t->service->getSharedData(5, t->kArea, ndk::ScopedFileDescriptor(), t->kRegionBytes,
-                                          &t->valuesOut, &t->error);
-            },
-            [t] { t->service->invalidCache(); },
+    const std::pair<const char*, std::function<void()>> calls[] = {
+            {"getRGBValue hit", [&] { service->getRGBValue(kArea, &rgbOut, &error); }},
+            {"getLumasValue hit", [&] { service->getLumasValue(kArea, &lumasOut, &error); }},
+            {"getHistogramValue hit",
+             [&] { service->getHistogramValue(kArea, &histogramOut, &error); }},
+            {"getCwbValue 2 hit", [&] { service->getCwbValue(2, kArea, &valuesOut, &error); }},
+            {"getCwbValue 1 hit", [&] { service->getCwbValue(1, kArea, &valuesOut, &error); }},
+            {"getSharedData copy",
+             [&] {
+                 service->getSharedData(5, kArea, ndk::ScopedFileDescriptor(), kRegionBytes,
+                                        &valuesOut, &error);
+             }},
+            {"invalidCache", [&] { service->invalidCache(); }},
     };
-    const char* const names[] = {"getRGBValue hit",   "getLumasValue hit", "getHistogramValue hit",
-                                 "getCwbValue 2 hit", "getCwbValue 1 hit", "getSharedData copy",
-                                 "invalidCache"};
     newFrame();
     for (int round = 0; round < 2; ++round) {  // the first round warms up
         for (size_t i = 0; i < std::size(calls); ++i) {
             lumasOut.clear();
             valuesOut.clear();
             host::log::clear();  // keeps the store's capacity
-            const size_t n = allocationsOf(calls[i]);
+            const size_t n = allocationsOf(calls[i].second);
             // The host log stand-in keeps each line on the heap (liblog formats on the stack);
             // that is all a request may allocate.
             const size_t logged = host::log::lines().size();
             if (round == 1) {
-                EXPECT_LE(n, logged) << names[i];
+                EXPECT_LE(n, logged) << calls[i].first;
             }
             if (i + 1 == std::size(calls)) newFrame();
         }
         // Refill the caches for the hits of the next round.
-        for (size_t i = 0; i < 3; ++i) calls[i]();
+        for (size_t i = 0; i < 3; ++i) calls[i].second();
     }
 }
 
