@@ -3,7 +3,6 @@
 #include <host/log_capture.h>
 
 #include <cstdio>
-#include <deque>
 #include <mutex>
 #include <string>
 #include <utility>
@@ -11,11 +10,17 @@
 
 namespace {
 
+// The last kWindow lines in a ring allocated once: recording a line allocates only its text, as
+// many times on every call whatever the ring's position, so tests can count a request's heap use.
 struct LogStore {
     std::mutex mutex;
-    std::deque<host::log::Line> lines;
+    std::vector<host::log::Line> ring = std::vector<host::log::Line>(host::log::kWindow);
+    size_t first = 0;  // the oldest line
+    size_t size = 0;
     std::function<void(const host::log::Line&)> listener;
     bool echo = false;
+
+    const host::log::Line& at(size_t i) const { return ring[(first + i) % ring.size()]; }
 };
 
 LogStore& store() {
@@ -36,9 +41,14 @@ void record(int priority, const char* tag, std::string text) {
     std::lock_guard<std::mutex> lock(s.mutex);
     // A fatal line is usually followed by abort(): always say why.
     if (s.echo || priority == ANDROID_LOG_FATAL) writeStderr(line);
-    s.lines.push_back(std::move(line));
-    if (s.listener) s.listener(s.lines.back());
-    if (s.lines.size() > host::log::kWindow) s.lines.pop_front();
+    host::log::Line& slot = s.ring[(s.first + s.size) % s.ring.size()];
+    if (s.size == s.ring.size()) {
+        s.first = (s.first + 1) % s.ring.size();
+    } else {
+        ++s.size;
+    }
+    slot = std::move(line);
+    if (s.listener) s.listener(slot);
 }
 
 std::string format(const char* fmt, va_list ap) {
@@ -106,21 +116,25 @@ char priorityLetter(int priority) {
 std::vector<Line> lines() {
     LogStore& s = store();
     std::lock_guard<std::mutex> lock(s.mutex);
-    return {s.lines.begin(), s.lines.end()};
+    std::vector<Line> out;
+    out.reserve(s.size);
+    for (size_t i = 0; i < s.size; ++i) out.push_back(s.at(i));
+    return out;
 }
 
 void clear() {
     LogStore& s = store();
     std::lock_guard<std::mutex> lock(s.mutex);
-    s.lines.clear();
+    s.first = 0;
+    s.size = 0;
 }
 
 size_t count(int priority, const std::string& text) {
     LogStore& s = store();
     std::lock_guard<std::mutex> lock(s.mutex);
     size_t n = 0;
-    for (const Line& line : s.lines) {
-        if (line.priority == priority && line.text == text) ++n;
+    for (size_t i = 0; i < s.size; ++i) {
+        if (s.at(i).priority == priority && s.at(i).text == text) ++n;
     }
     return n;
 }
@@ -133,8 +147,8 @@ size_t countContaining(const std::string& fragment) {
     LogStore& s = store();
     std::lock_guard<std::mutex> lock(s.mutex);
     size_t n = 0;
-    for (const Line& line : s.lines) {
-        if (line.text.find(fragment) != std::string::npos) ++n;
+    for (size_t i = 0; i < s.size; ++i) {
+        if (s.at(i).text.find(fragment) != std::string::npos) ++n;
     }
     return n;
 }
