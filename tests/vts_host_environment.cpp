@@ -1,7 +1,6 @@
-// Host side of the interface tests in interface/vts: before each of them, boots
-// the service on a simulated phone with its main display on, where they find it
-// through the service manager as on a device; afterwards takes the phone down
-// again.
+// Host side of the interface tests in interface/vts: before each of them, boots the service on a
+// simulated phone with its main display on, where they find it through the service manager as on
+// a device; afterwards takes the phone down again.
 #include <memory>
 #include <string>
 
