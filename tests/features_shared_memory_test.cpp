@@ -2,6 +2,7 @@
 #include <android/binder_status.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <utils/Timers.h>
 
@@ -321,7 +322,9 @@ TEST_P(SharedRegionFaults, NeverFaultsTheService) {
     if (tc.shrinkTo >= 0) {
         // The seal stops only shrinking: the client still writes and grows its file.
         EXPECT_EQ(tc.sealed ? -1 : 0, ftruncate(region.fd.get(), tc.shrinkTo));
-        if (tc.sealed) EXPECT_EQ(EPERM, errno);
+        if (tc.sealed) {
+            EXPECT_EQ(EPERM, errno);
+        }
     }
     host::log::clear();
     Shared copy = shared(kCopy, crop, 30012);
@@ -340,7 +343,9 @@ TEST_P(SharedRegionFaults, NeverFaultsTheService) {
     // What the shrunk file still holds is written: a 10 x 10 crop needs 312 bytes.
     const bool fits = tc.shrinkTo >= 312;
     EXPECT_EQ(fits, shared(kCopy, rect(300, 400, 310, 410), 312).ok());
-    if (fits) EXPECT_EQ(0, memcmp(region.base + 308, "\xEF\xBE\xAD\xDE", 4));
+    if (fits) {
+        EXPECT_EQ(0, memcmp(region.base + 308, "\xEF\xBE\xAD\xDE", 4));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -352,6 +357,35 @@ INSTANTIATE_TEST_SUITE_P(
                 RegionCase{"UnsealedShrunk", MFD_CLOEXEC, 30020, 4096, true, false, false},
                 RegionCase{"UnsealedShrunkToNothing", MFD_CLOEXEC, 30020, 0, true, false, false}),
         [](const auto& info) { return std::string(info.param.name); });
+
+// A client that shrinks its unsealed file after the service sized it, just before the copy (the
+// debug line between the two is the cue): the write must not fault, and the record still lands.
+TEST_F(SharedMemoryTest, UnsealedRegionShrunkAfterItsSizeCheckNeverFaults) {
+    bootOn();
+    capture();
+    Error ignored;
+    ASSERT_TRUE(service->setDebug({1}, &ignored).isOk());
+    ClientRegion region(30020);
+    ASSERT_TRUE(init(region, 30020).isOk());
+    ASSERT_FALSE(peer->sharedMemorySealed());
+    int shrinks = 0;
+    host::log::setListener([&](const host::log::Line& line) {
+        if (line.text.rfind("MORVIK_AI::CwbService::BufferHandle[", 0) == 0) {
+            shrinks += ftruncate(region.fd.get(), 0) == 0;
+        }
+    });
+    const Shared copy = shared(kCopy, rect(300, 400, 400, 500), 30012);
+    host::log::setListener(nullptr);
+    ASSERT_EQ(1, shrinks);
+    EXPECT_TRUE(copy.ok());
+    // The write grew the file back to the record's end; the client regrows the rest.
+    struct stat st {};
+    ASSERT_EQ(0, fstat(region.fd.get(), &st));
+    EXPECT_EQ(30012, st.st_size);
+    ASSERT_EQ(0, ftruncate(region.fd.get(), 30020));
+    memset(region.base + 30012, kUntouched, 8);
+    EXPECT_TRUE(holdsRecord(region, rect(300, 400, 400, 500)));
+}
 
 // Requests, copies, modes, regions and layer changes at once: where TSan would see a race.
 using FeaturesConcurrencyTest = SharedMemoryTest;

@@ -342,11 +342,10 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
         return -1;
     }
     const int64_t timestamp = systemTime(SYSTEM_TIME_BOOTTIME);
-    uint8_t* region = mSharedMemory.address();
     const size_t mapped = mSharedMemory.length();
     // An unsealed file may have been shrunk since it was mapped: write only what it still backs.
     const size_t backed = mSharedMemory.backedLength();
-    if (backed >= sizeof(timestamp)) memcpy(region, &timestamp, sizeof(timestamp));
+    if (backed >= sizeof(timestamp)) mSharedMemory.write(0, &timestamp, sizeof(timestamp));
     ++mCurrentScreenCount;
     // Counted attempts can reach the limit without a completed copy; test after each of them.
     auto countLimit = [this]() REQUIRES(mSharedMemoryMutex) {
@@ -394,11 +393,18 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
     const size_t rowBytes = static_cast<size_t>(W) * 3;
     const size_t origin =
             (static_cast<size_t>(rect.top) * info.width + static_cast<size_t>(rect.left)) * 3;
-    copyRows(region + kRecordPixelsOffset, rowBytes, base + origin,
-             static_cast<size_t>(info.width) * 3, rowBytes, static_cast<size_t>(H));
-    memcpy(region + kRecordPixelsOffset + crop, &kRecordMarker, sizeof(kRecordMarker));
+    if (!mSharedMemory.writeRows(kRecordPixelsOffset, base + origin,
+                                 static_cast<size_t>(info.width) * 3, rowBytes,
+                                 static_cast<size_t>(H)) ||
+        !mSharedMemory.write(kRecordPixelsOffset + static_cast<size_t>(crop), &kRecordMarker,
+                             sizeof(kRecordMarker))) {
+        ALOGE("MORVIK_AI::shared memory fd=%d write of %zu bytes failed: errno %d",
+              mSharedMemory.fd(), static_cast<size_t>(total), errno);
+        countLimit();
+        return -1;
+    }
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::display The screen is sliding - Copy screenshot");
-    msync(region, static_cast<size_t>(total), MS_SYNC);
+    msync(mSharedMemory.address(), static_cast<size_t>(total), MS_SYNC);
     mStats.count(CwbStats::Counter::Copies);
     countLimit();
     return 1;

@@ -1,5 +1,6 @@
 // A client's shared-memory file as the service maps it: sealed against shrinking where the
-// kernel allows, sized before mapping and again before every copy otherwise.
+// kernel allows, sized before mapping and again before every copy otherwise, and then written
+// through its descriptor.
 #include "SharedMemoryRegion.h"
 
 #include <cutils/ashmem.h>
@@ -9,6 +10,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+
+#include "PixelKernels.h"
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -26,6 +29,26 @@ int64_t fileSize(int fd) {
         return -1;
     }
     return size;
+}
+
+bool isRegularFile(int fd) {
+    struct stat st {};
+    return fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+}
+
+bool pwriteAll(int fd, const uint8_t* data, size_t bytes, size_t offset) {
+    while (bytes > 0) {
+        const ssize_t n = pwrite(fd, data, bytes, static_cast<off_t>(offset));
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) {
+            if (n == 0) errno = EIO;
+            return false;
+        }
+        data += n;
+        bytes -= static_cast<size_t>(n);
+        offset += static_cast<size_t>(n);
+    }
+    return true;
 }
 
 }  // namespace
@@ -63,6 +86,8 @@ int SharedMemoryRegion::map(int fd, size_t size) {
     mFd = fd;
     mOwnedFd = owned;
     mSealed = sealed;
+    // An ashmem region cannot be resized once mapped; a sealed file cannot shrink.
+    mShrinkable = !sealed && isRegularFile(owned);
     return 0;
 }
 
@@ -75,6 +100,7 @@ int SharedMemoryRegion::unmap() {
     mFd = -1;
     mOwnedFd = -1;
     mSealed = false;
+    mShrinkable = false;
     return result;
 }
 
@@ -84,6 +110,28 @@ size_t SharedMemoryRegion::backedLength() const {
     const int64_t available = fileSize(mOwnedFd);
     if (available < 0) return 0;
     return static_cast<uint64_t>(available) < mLength ? static_cast<size_t>(available) : mLength;
+}
+
+bool SharedMemoryRegion::write(size_t offset, const void* data, size_t bytes) {
+    return writeRows(offset, static_cast<const uint8_t*>(data), bytes, bytes, 1);
+}
+
+bool SharedMemoryRegion::writeRows(size_t offset, const uint8_t* src, size_t srcPitch,
+                                   size_t rowBytes, size_t rows) {
+    if (mAddress == nullptr || offset > mLength ||
+        (rowBytes != 0 && rows > (mLength - offset) / rowBytes)) {
+        errno = EINVAL;
+        return false;
+    }
+    if (!mShrinkable) {
+        copyRows(address() + offset, rowBytes, src, srcPitch, rowBytes, rows);
+        return true;
+    }
+    if (srcPitch == rowBytes) return pwriteAll(mOwnedFd, src, rows * rowBytes, offset);
+    for (size_t y = 0; y < rows; ++y) {
+        if (!pwriteAll(mOwnedFd, src + y * srcPitch, rowBytes, offset + y * rowBytes)) return false;
+    }
+    return true;
 }
 
 }  // namespace aidl::vendor::zarel::hardware::cwb::implementation

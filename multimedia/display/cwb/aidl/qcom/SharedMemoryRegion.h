@@ -7,8 +7,9 @@ namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
 // A client's shared-memory file mapped into the service. Keeps the mapping with its length, the
 // client's descriptor number (to recognise a repeated initialisation) and a duplicate of the
-// descriptor, so that the file's size can be checked again before a copy. A client that could
-// shrink the file under the mapping would otherwise turn the next copy into a SIGBUS.
+// descriptor, so that the file's size can be checked again before a copy and a file the client can
+// still shrink is written through the descriptor. A store into the mapping of a page the file no
+// longer backs is a SIGBUS in the composer.
 class SharedMemoryRegion {
   public:
     SharedMemoryRegion() = default;
@@ -33,12 +34,21 @@ class SharedMemoryRegion {
     // file is sealed, otherwise what its current size covers (0 when it cannot be told).
     size_t backedLength() const;
 
+    // Write `bytes` at `offset`, or `rows` rows of `rowBytes`, `srcPitch` apart in `src`, packed
+    // from `offset`. A file that can still shrink (unsealed, not ashmem) is written with pwrite,
+    // which a concurrent shrink cannot turn into a fault; any other through the mapping. False,
+    // with errno set, when the range lies outside the mapping or the write failed.
+    bool write(size_t offset, const void* data, size_t bytes);
+    bool writeRows(size_t offset, const uint8_t* src, size_t srcPitch, size_t rowBytes,
+                   size_t rows);
+
   private:
     void* mAddress = nullptr;
     size_t mLength = 0;
     int mFd = -1;
     int mOwnedFd = -1;
     bool mSealed = false;
+    bool mShrinkable = false;  // an unsealed regular file: written through mOwnedFd
 };
 
 }  // namespace aidl::vendor::zarel::hardware::cwb::implementation
