@@ -24,7 +24,7 @@ fail() {
 # Prints each line of a tool's output prefixed with what was checked.
 report() {
     local what=$1 log=$2
-    sed "s|^|$what: |" "$log"
+    sed "s|$tmp/checks/checks.te|the check's own neverallows|g; s|$tmp/||g; s|^|$what: |" "$log"
     failed=1
 }
 
@@ -112,9 +112,11 @@ compile vendor user -C -- "$sepolicy/public" "$sepolicy/reqd_mask" "$sepolicy/ve
     "$project" || true
 monolithic=("$sepolicy/public" "$sepolicy/private" "$sepolicy/vendor" "${chip[@]}" "$project"
     "$tmp/checks")
+user=0
+compile user user "" -- "${monolithic[@]}" || user=1
 compile userdebug userdebug "" -- "${monolithic[@]}" || true
 # The context files are checked against the user build's policy.
-compile user user "" -- "${monolithic[@]}" || exit 1
+((user == 0)) || exit 1
 
 # Context files: each context valid in the policy, each type carrying the attribute its file
 # requires (checkfc's rules; genfs labels are filesystem types, sysfs ones sysfs_type).
@@ -149,9 +151,9 @@ for path in "$project"/*; do
     while read -r line; do
         type=$(grep -o 'u:object_r:[A-Za-z0-9_]*' <<<"$line" | cut -d: -f3) || continue
         grep -qx "$type" "$tmp/members" ||
-            fail "$path" "$type is not a ${attribute[$name]}: $line"
+            fail "$path" "$type lacks the attribute ${attribute[$name]}: $line"
         if [[ $line == genfscon\ sysfs\ * ]] && ! grep -qx "$type" "$tmp/sysfs"; then
-            fail "$path" "$type is not a sysfs_type: $line"
+            fail "$path" "$type lacks the attribute sysfs_type: $line"
         fi
     done < <(grep -v '^[[:space:]]*#' "$tmp/$name")
 done
