@@ -4,14 +4,15 @@
 #      may name no private platform type;
 #   2. the monolithic policy with every neverallow, for user and userdebug;
 #   3. every context file against the compiled policy and the type-attribute rules.
-# Usage, from the repository root: tools/platform-check/policy.sh ROOT
+# Usage: tools/platform-check/policy.sh ROOT
 # The chip vendor's policy comes from CHIP_SEPOLICY_DIRS (folders under ROOT) if set, else the
 # excerpt of the slice, else the chip vendor's generic/vendor/common folders of a full tree.
 # BOARD_SEPOLICY_M4DEFS (name=value ...) is passed to m4 as a board's BoardConfig does.
 set -euo pipefail
 export LC_ALL=C PATH="$PATH:/usr/sbin:/sbin"
 
-root=${1:?usage: $0 ROOT}
+root=$(cd "${1:?usage: $0 ROOT}" && pwd)
+cd "$(dirname "$0")/../.."
 project=sepolicy
 sepolicy=$root/system/sepolicy
 failed=0
@@ -24,7 +25,7 @@ fail() {
 # Prints each line of a tool's output prefixed with what was checked.
 report() {
     local what=$1 log=$2
-    sed "s|$tmp/checks/checks.te|the check's own neverallows|g; s|$tmp/||g; s|^|$what: |" "$log"
+    sed "/^[[:space:]]*$/d; s|$tmp/checks/checks.te|the check's own neverallows|g; s|$tmp/||g; s|^|$what: |" "$log"
     failed=1
 }
 
@@ -116,7 +117,10 @@ user=0
 compile user user "" -- "${monolithic[@]}" || user=1
 compile userdebug userdebug "" -- "${monolithic[@]}" || true
 # The context files are checked against the user build's policy.
-((user == 0)) || exit 1
+if ((user != 0)); then
+    echo "$project: context files not checked: the policy does not compile"
+    exit 1
+fi
 
 # Context files: each context valid in the policy, each type carrying the attribute its file
 # requires (checkfc's rules; genfs labels are filesystem types, sysfs ones sysfs_type).
@@ -133,7 +137,10 @@ for path in "$project"/*; do
         fail "$path" "not a policy file this check knows"
         continue
     fi
-    m4 --fatal-warnings -s "${board[@]}" "$path" >"$tmp/$name"
+    if ! m4 --fatal-warnings -s "${board[@]}" "$path" >"$tmp/$name" 2>"$tmp/log"; then
+        report "$path" "$tmp/log"
+        continue
+    fi
     if [[ $name != genfs_contexts ]]; then
         # sefcontext_compile validates every context against the policy; other context files are
         # given to it as file_contexts lines with their context.
