@@ -71,26 +71,26 @@ bp_list() {
     ' "$1"
 }
 
-# compile BUILD_FILE [EXTRA_FLAG...]: every source its modules list, with their cflags.
+# compile BUILD_FILE WHAT [EXTRA_FLAG...]: every source its modules list, with their cflags.
 compile() {
-    local bp="$1" dir
-    shift
+    local bp="$1" what="$2" dir
+    shift 2
     dir="$(dirname "$bp")"
     mapfile -t cflags < <(bp_list "$bp" cflags)
     for src in $(bp_list "$bp" srcs); do
         if ! clang++ "${common[@]}" "${cflags[@]}" "$@" "${system[@]}" -I "$dir" \
                 "${includes[@]}" "$dir/$src" >"$work/cc.log" 2>&1; then
-            fail "$dir/$src" "does not compile$(printf '%s' "${*:+ (}${*:+$*)}"):"
+            fail "$dir/$src" "does not compile${what:+ ($what)}:"
             sed 's/^/    /' "$work/cc.log" | head -n 40
         fi
     done
 }
 
 for v in $(display_config_versions); do
-    compile multimedia/display/cwb/aidl/qcom/Android.bp \
+    compile multimedia/display/cwb/aidl/qcom/Android.bp "display-config V$v" \
         -I "$gen/vendor.qti.hardware.display.config-V$v/include"
 done
-compile multimedia/display/cwb/tool/Android.bp
-compile interface/vts/Android.bp
+compile multimedia/display/cwb/tool/Android.bp ""
+compile interface/vts/Android.bp ""
 
 exit "$status"
