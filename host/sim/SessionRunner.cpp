@@ -1,6 +1,6 @@
 #include "SessionRunner.h"
 
-#include <CwbServiceTestPeer.h>
+#include <CwbService.h>
 #include <android/binder_manager.h>
 #include <cutils/properties.h>
 #include <host/binder_registry.h>
@@ -469,8 +469,7 @@ void SessionRunner::recordRect(const std::string& method, int32_t feature, const
         const auto service = mComposer->proxy().service();
         if (service == nullptr) return;
         mMutedThread = std::this_thread::get_id();
-        const bool accepted =
-                cwb::implementation::CwbServiceTestPeer(*service).checkInputRect(rect, out);
+        const bool accepted = service->checkInputRect(rect, out);
         mMutedThread = std::thread::id();
         if (!accepted) return;
     }

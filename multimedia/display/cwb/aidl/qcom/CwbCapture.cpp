@@ -92,6 +92,16 @@ void CwbService::prepareCwbBuffer(int32_t displayId) {
     }
 }
 
+void CwbService::prepareCwbBuffer() {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    prepareCwbBuffer(mDisplayId);
+}
+
+void CwbService::destroyCwbBuffer() {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    releaseCwbBuffer(mDisplayId);
+}
+
 void CwbService::releaseCwbBuffer(int32_t displayId) {
     if (displayId == kDisplayMain && mCwbBufferHandle.base != nullptr) {
         mGrallocHelper->FreeBuffer(&mCwbNativeHandle);
@@ -190,6 +200,16 @@ int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool pos
     return 0;
 }
 
+int CwbService::setCWBOutputBuffer(Rect rect, bool postProcessed) {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    return writeback(mDisplayId, false, rect, postProcessed);
+}
+
+int CwbService::setCWBOutputBufferSec(Rect rect, bool postProcessed) {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    return writeback(mDisplayId, true, rect, postProcessed);
+}
+
 bool CwbService::waitDumpComplete() {
     std::unique_lock<std::mutex> lock(mCwbMutex);
     ::android::base::ScopedLockAssertion assertion(mCwbMutex);
@@ -230,6 +250,10 @@ void CwbService::NotifyCWBBufferDone(int error, const native_handle_t* /*buffer*
 }
 
 // ---- Rectangle check and rotation ----
+
+bool CwbService::checkInputRect(const Rect& in, Rect& out) {
+    return checkInputRect(mDisplayId, in, out);
+}
 
 bool CwbService::checkInputRect(int32_t displayId, const Rect& in, Rect& out) {
     fillConfigsIfNeeded();
@@ -327,6 +351,11 @@ void CwbService::invalidCache() {
     ATRACE_INT("BufferCacheValid", 0);
     ATRACE_INT("mInvalidCacheCount", count);
     mLayerChangeCond.notify_one();
+}
+
+void CwbService::clearCache() {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    emptyResultCaches();
 }
 
 void CwbService::emptyResultCaches() {

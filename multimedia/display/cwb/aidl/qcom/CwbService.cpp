@@ -427,6 +427,15 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
     return true;
 }
 
+void CwbService::getResolution(uint32_t& width, uint32_t& height) {
+    const int32_t displayId = mDisplayId;
+    if (displayId != kDisplayMain && displayId != kDisplaySecondary) return;
+    DisplayAttributes attributes{};  // stays 0 x 0 for a list not read or empty
+    activeAttributes(displayId, &attributes);
+    width = static_cast<uint32_t>(attributes.xRes);
+    height = static_cast<uint32_t>(attributes.yRes);
+}
+
 // ---- Power, colour mode and overlay-layer state ----
 
 void CwbService::setPowerMode(uint64_t display, int mode) {
