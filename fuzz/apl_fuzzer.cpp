@@ -67,7 +67,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::vector<unsigned int> values;
     peer.getDisplayPanelAplValue(values);
     int loading = 0;
-    peer.getDisplayPanelLoading(&loading);
+    p.service->getDisplayPanelLoading(&loading);
     p.device.qservice()->clearCommands();
     return 0;
 }

@@ -579,7 +579,7 @@ class Session {
                 break;
             case 17: {
                 int loading = 0;
-                CwbServiceTestPeer(s).getDisplayPanelLoading(&loading);
+                s.getDisplayPanelLoading(&loading);
                 break;
             }
         }
@@ -634,16 +634,18 @@ class Session {
                 break;
             case 10: {
                 // The operations the service exports to its host besides the proxy's events.
-                CwbServiceTestPeer s(*mService);
-                const uint8_t pick = mIn.u8() % 5;
+                CwbService& s = *mService;
+                const uint8_t pick = mIn.u8() % 7;
                 uint32_t width = 0;
                 uint32_t height = 0;
                 Rect checked;
                 if (pick == 0) s.clearCache();
                 if (pick == 1) s.getResolution(width, height);
                 if (pick == 2) s.generateCookie();
-                if (pick == 3) s.captureScreenAllowed();
+                if (pick == 3) CwbServiceTestPeer(s).captureScreenAllowed();
                 if (pick == 4) s.checkInputRect(rect(mIn), checked);
+                if (pick == 5) s.destroyCwbBuffer();
+                if (pick == 6) s.prepareCwbBuffer();
                 break;
             }
             case 11: {

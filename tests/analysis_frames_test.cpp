@@ -87,7 +87,7 @@ TEST_P(AnalysisFrames, KnownFrameFreshThenCached) {
     const auto requests = vendor().requests();
     ASSERT_EQ(3u, requests.size());
     for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(1, requests[i].displayType);
+        EXPECT_EQ(1, requests[i].dispId);
         EXPECT_EQ(i == 2, requests[i].postProcessed) << i;
         EXPECT_EQ(1u, peer->cacheSize(i)) << i;
     }
@@ -149,8 +149,8 @@ TEST_F(AnalysisFrameTest, SecondaryDisplay) {
 
     const auto requests = vendor().requests();
     ASSERT_EQ(4u, requests.size());
-    EXPECT_EQ(4, requests[0].displayType);
-    for (size_t i = 1; i < requests.size(); ++i) EXPECT_EQ(1, requests[i].displayType);
+    EXPECT_EQ(4, requests[0].dispId);
+    for (size_t i = 1; i < requests.size(); ++i) EXPECT_EQ(1, requests[i].dispId);
 
     // The screen-off rule follows the secondary display's power mode, even for luma.
     composer->layerChange();

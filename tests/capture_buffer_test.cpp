@@ -116,9 +116,9 @@ INSTANTIATE_TEST_SUITE_P(Injected, CaptureBufferFailureTest, ::testing::ValuesIn
 TEST_F(CaptureBufferTest, OnlyTheSelectedDisplaysBufferIsMadeOrFreed) {
     addSecondary();
     bootOn();
-    peer->destroyCwbBuffer();
+    service->destroyCwbBuffer();
     peer->setDisplayId(3);
-    peer->destroyCwbBuffer();
+    service->destroyCwbBuffer();
     EXPECT_EQ(0u, gralloc::freeCount());
     ASSERT_EQ(0, capture(true));
     peer->setDisplayId(0);
@@ -126,14 +126,14 @@ TEST_F(CaptureBufferTest, OnlyTheSelectedDisplaysBufferIsMadeOrFreed) {
 
     // An unknown selection touches neither.
     peer->setDisplayId(1);
-    peer->prepareCwbBuffer();
-    peer->destroyCwbBuffer();
+    service->prepareCwbBuffer();
+    service->destroyCwbBuffer();
     EXPECT_EQ(2u, gralloc::allocationCount());
     EXPECT_EQ(0u, gralloc::freeCount());
 
     peer->setDisplayId(0);
-    peer->destroyCwbBuffer();
-    peer->destroyCwbBuffer();
+    service->destroyCwbBuffer();
+    service->destroyCwbBuffer();
     EXPECT_EQ(nullptr, peer->buffer(false).base);
     EXPECT_NE(nullptr, peer->buffer(true).base);
     EXPECT_EQ(1u, gralloc::freeCount());

@@ -62,7 +62,7 @@ TEST_F(CaptureCacheTest, ResultsLiveAsLongAsTheirFrame) {
     // Emptied on request while the frame stays current; the same rectangle then captures anew.
     ASSERT_TRUE(gateOpen());
     ASSERT_EQ(0, rgb(r).first & 0xFFFF);
-    peer->clearCache();
+    service->clearCache();
     EXPECT_EQ((CacheSizes{0, 0, 0}), cacheSizes());
     EXPECT_TRUE(peer->bufferCacheValid());
     const size_t before = vendor().requests().size();

@@ -71,7 +71,7 @@ TEST_P(CaptureEndToEndTest, BufferHoldsThePanelPictureAtTheRowPitch) {
 
     const auto requests = vendor().requests();
     ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(secondary ? 4 : 1, requests[0].displayType);
+    EXPECT_EQ(secondary ? 4 : 1, requests[0].dispId);
     EXPECT_EQ(postProcessed, requests[0].postProcessed);
     const bool aiRegion = roi && postProcessed && !secondary;
     const Rect region = !roi ? rect(0, 0, 0, 0) : aiRegion ? ai : sampled;

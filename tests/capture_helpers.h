@@ -31,7 +31,8 @@ inline Lines logged() {
 class CaptureTest : public ServiceTest {
   protected:
     int capture(bool sec = false, const Rect& r = rect(0, 0, 0, 0), bool postProcessed = false) {
-        return peer->setCWBOutputBuffer(r, postProcessed, sec);
+        return sec ? service->setCWBOutputBufferSec(r, postProcessed)
+                   : service->setCWBOutputBuffer(r, postProcessed);
     }
     host::device::SimulatedDisplayConfig& vendor() { return *device->displayConfig(); }
     void setDebug(const std::vector<int32_t>& values) {

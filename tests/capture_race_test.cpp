@@ -123,7 +123,7 @@ TEST_F(CaptureRaceTest, DisplayStoredMidRequestLeavesItAlone) {
     EXPECT_EQ((std::vector<int32_t>{255, 0, 0}),
               std::vector<int32_t>(values.begin(), values.begin() + 3));
     EXPECT_EQ(1u, vendor().requests().size());
-    EXPECT_EQ(1, vendor().requests()[0].displayType);
+    EXPECT_EQ(1, vendor().requests()[0].dispId);
 }
 
 // Feature 1 (main) and feature 3 (secondary) at once: every answer comes whole from the display

@@ -93,13 +93,13 @@ TEST_P(CaptureRectTest, ConvertsOrRefuses) {
     host::log::clear();
 
     Rect out = rect(-7, -7, -7, -7);
-    const bool ok = peer->checkInputRect(c.in, out);
+    const bool ok = service->checkInputRect(c.in, out);
     EXPECT_EQ(c.out, ok ? out : kNo);  // an accepted rectangle is never all zeros
     EXPECT_EQ(c.lines, logged());
     // The rotation of the selected display is recorded; an unknown display keeps the last one.
     EXPECT_EQ(c.rotation, peer->cwbRotate());
     peer->setDisplayId(1);
-    peer->checkInputRect(c.in, out);
+    service->checkInputRect(c.in, out);
     EXPECT_EQ(c.rotation, peer->cwbRotate());
 }
 

@@ -51,6 +51,7 @@ class RecordingCallback : public config::BnDisplayConfigCallback {
     ndk::ScopedAStatus notifyTUIEventDone(int32_t, DisplayType, config::TUIEventType) override {
         return ok();
     }
+    ndk::ScopedAStatus notifyContentFps(const std::string&, int32_t) override { return ok(); }
 
     std::vector<int32_t> errors() {
         std::lock_guard<std::mutex> lock(mMutex);
@@ -124,7 +125,7 @@ class DeviceTest : public ::testing::Test {
         device.setFrame(PanelId::Main, FrameKind::Mixer, frame);
     }
     binder_exception_t submit(const Buffer& buffer, config::Rect rect = {}, bool post = false) {
-        return vendor->setCWBOutputBuffer(callback, DisplayType::PRIMARY, rect, post, buffer.aidl())
+        return vendor->setCWBOutputBuffer(callback, 1, rect, post, buffer.aidl())
                 .getExceptionCode();
     }
 
@@ -165,25 +166,28 @@ TEST_F(DeviceTest, RefusesBadRequestsWithoutQueueingThem) {
     Buffer buffer(kW, kH);
     const struct {
         const char* what;
-        DisplayType type;
+        int32_t dispId;
         bool nullCallback, noFd, shortInts, injected;
         binder_exception_t want;
     } cases[] = {
-            {"null callback", DisplayType::PRIMARY, true, false, false, false, EX_NULL_POINTER},
-            {"external", DisplayType::EXTERNAL, false, false, false, false, EX_ILLEGAL_ARGUMENT},
-            {"invalid", DisplayType::INVALID, false, false, false, false, EX_ILLEGAL_ARGUMENT},
-            {"no modes", DisplayType::BUILTIN2, false, false, false, false, EX_ILLEGAL_ARGUMENT},
-            {"no fd", DisplayType::PRIMARY, false, true, false, false, EX_ILLEGAL_ARGUMENT},
-            {"five ints", DisplayType::PRIMARY, false, false, true, false, EX_ILLEGAL_ARGUMENT},
-            {"injected", DisplayType::PRIMARY, false, false, false, true, EX_TRANSACTION_FAILED},
+            {"null callback", 1, true, false, false, false, EX_NULL_POINTER},
+            {"external", 2, false, false, false, false, EX_ILLEGAL_ARGUMENT},
+            {"invalid", 0, false, false, false, false, EX_ILLEGAL_ARGUMENT},
+            {"virtual: the secondary's host id", 3, false, false, false, false,
+             EX_ILLEGAL_ARGUMENT},
+            {"unknown", 5, false, false, false, false, EX_ILLEGAL_ARGUMENT},
+            {"no modes", 4, false, false, false, false, EX_ILLEGAL_ARGUMENT},
+            {"no fd", 1, false, true, false, false, EX_ILLEGAL_ARGUMENT},
+            {"five ints", 1, false, false, true, false, EX_ILLEGAL_ARGUMENT},
+            {"injected", 1, false, false, false, true, EX_TRANSACTION_FAILED},
     };
     for (const auto& c : cases) {
         NativeHandle handle = buffer.aidl();
         if (c.noFd) handle.fds.clear();
         if (c.shortInts) handle.ints.pop_back();
         if (c.injected) config.pushOutcome(Outcome::Refuse);
-        EXPECT_EQ(vendor->setCWBOutputBuffer(c.nullCallback ? nullptr : callback, c.type, {}, false,
-                                             handle)
+        EXPECT_EQ(vendor->setCWBOutputBuffer(c.nullCallback ? nullptr : callback, c.dispId, {},
+                                             false, handle)
                           .getExceptionCode(),
                   c.want)
                 << c.what;

@@ -87,7 +87,7 @@ TEST_F(DispatchTest, SecondaryFeatureSamplesTheSecondaryPanelWithItsOwnFloor) {
     EXPECT_EQ(3, peer->displayId());
     const auto requests = device->displayConfig()->requests();
     ASSERT_EQ(1u, requests.size());
-    EXPECT_EQ(4, requests[0].displayType);  // BUILTIN2
+    EXPECT_EQ(4, requests[0].dispId);  // BUILTIN2
     // 50 ms of waiting is below the 200 ms period of the secondary panel, not of the main one.
     ASSERT_LT(a.end() - peer->lastCwbDoneTime(), kVsync5Hz);
     EXPECT_EQ(kVsync5Hz, a.end() - a.start());

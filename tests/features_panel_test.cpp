@@ -24,7 +24,7 @@ class PanelTest : public ServiceTest {
   protected:
     int32_t loading() {
         int out = -12345;
-        EXPECT_TRUE(peer->getDisplayPanelLoading(&out).isOk());
+        EXPECT_TRUE(service->getDisplayPanelLoading(&out).isOk());
         return out;
     }
 

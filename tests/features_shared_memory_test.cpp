@@ -283,6 +283,15 @@ TEST_F(SharedMemoryTest, ClientSequence) {
     EXPECT_FALSE(peer->sharedMemoryMapped());
     EXPECT_EQ(1u, other.mappings());
     EXPECT_EQ((Lines(2, {kE, "MORVIK_AI::CwbService Release shared memory"})), logged());
+    // The host's release() does the same and answers munmap's result, 0 also with nothing mapped.
+    ASSERT_TRUE(init(other, kPage).isOk());
+    host::log::clear();
+    for (int i = 0; i < 2; ++i) {
+        EXPECT_EQ(0, service->release());
+        EXPECT_FALSE(peer->sharedMemoryMapped());
+    }
+    EXPECT_EQ(1u, other.mappings());
+    EXPECT_EQ((Lines(2, {kE, "MORVIK_AI::CwbService Release shared memory"})), logged());
 }
 
 // A client file smaller than it claims, or shrunk under the mapping, never faults the service: it

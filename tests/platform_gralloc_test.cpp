@@ -101,11 +101,8 @@ TEST_F(PlatformGrallocTest, LockRefusalsAndFreeWhileLocked) {
     GraphicBufferMapper& mapper = GraphicBufferMapper::get();
     const Rect full(0, 0, 1080, 4);
     void* address = reinterpret_cast<void*>(0x1);
-    int32_t bpp = 0, bytesPerStride = 0;
-    ASSERT_EQ(
-            mapper.lock(handle, GRALLOC_USAGE_SW_READ_OFTEN, full, &address, &bpp, &bytesPerStride),
-            android::OK);
-    EXPECT_EQ(std::make_pair(bpp, bytesPerStride), std::make_pair(3, 1088 * 3));
+    ASSERT_EQ(mapper.lock(handle, GRALLOC_USAGE_SW_READ_OFTEN, full, &address), android::OK);
+    EXPECT_NE(address, reinterpret_cast<void*>(0x1));
     EXPECT_EQ(mapper.unlock(handle), android::OK);
     EXPECT_EQ(mapper.unlock(handle), android::BAD_VALUE);  // not locked any more
     gralloc::failLocks(1);

@@ -95,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Steps, SkeletonBroadcastTest, ::testing::ValuesIn(kBroa
 // once; unregistering an unknown client changes nothing.
 TEST_F(SkeletonCallbacksTest, CookiesOrderBroadcastsAndUnregisterRemovesEveryEntry) {
     boot();
-    for (uint64_t expected : {0u, 1u, 2u}) EXPECT_EQ(expected, peer->generateCookie());
+    for (uint64_t expected : {0u, 1u, 2u}) EXPECT_EQ(expected, service->generateCookie());
     auto stranger = RecordingCallback::make();
     EXPECT_EQ(Error::NONE, unregisterCb(stranger));  // empty map
     std::vector<int> order;                          // every broadcast here runs on this thread
@@ -105,7 +105,7 @@ TEST_F(SkeletonCallbacksTest, CookiesOrderBroadcastsAndUnregisterRemovesEveryEnt
         registerCb(cbs.back());  // takes 3, 4, 5
         cbs.back()->hook = [&order, id](bool) { order.push_back(id); };
     }
-    EXPECT_EQ(6u, peer->generateCookie());
+    EXPECT_EQ(6u, service->generateCookie());
     unregisterCb(cbs[1]);
     registerCb(cbs[1]);  // 7
     registerCb(cbs[0]);  // 8, and still 3
@@ -183,7 +183,7 @@ TEST_F(SkeletonStressTest, ConcurrentClientsAndHostEvents) {
             for (int i = 0; i < kIterations; ++i) {
                 registerCb(mine);
                 run((i + t) % 2 == 0 ? "E" : "D");
-                peer->generateCookie();
+                service->generateCookie();
                 unregisterCb(mine);
             }
             // At least each registration's own notification.
@@ -205,7 +205,7 @@ TEST_F(SkeletonStressTest, ConcurrentClientsAndHostEvents) {
     EXPECT_EQ(1u, peer->callbackCount());
     EXPECT_GT(stale->statuses().size(), 1u);
     // One cookie per registration and generateCookie call: none lost, so none handed out twice.
-    EXPECT_EQ(static_cast<uint64_t>(1 + 2 * kClients * kIterations), peer->generateCookie());
+    EXPECT_EQ(static_cast<uint64_t>(1 + 2 * kClients * kIterations), service->generateCookie());
 
     // Settled again: the last broadcast reflects the last switches.
     run("SfE");

@@ -24,7 +24,7 @@ class SkeletonConfigsTest : public ServiceTest {
   protected:
     Size resolution(uint32_t sentinel = 0xDEAD) {
         Size out{sentinel, sentinel};
-        peer->getResolution(out.first, out.second);
+        service->getResolution(out.first, out.second);
         return out;
     }
     std::string connectedLine() {

@@ -2,6 +2,7 @@
 #include <android/binder_manager.h>
 
 #include <climits>
+#include <mutex>
 
 #include "skeleton_helpers.h"
 
@@ -30,7 +31,13 @@ TEST_F(SkeletonProxyTest, BootRegistersTheServiceAndASecondInitializeReplacesIt)
     EXPECT_EQ(service.get(), client.get());
     EXPECT_EQ(1u, logCount(ANDROID_LOG_INFO, kRegistered));
 
-    ASSERT_EQ(0, composer->proxy().initialize());
+    {
+        // The exported statics are the composer's: the facade neither sets mCwbProxy nor takes
+        // mMutex (held here across a second initialize, which would otherwise never return).
+        std::lock_guard<std::mutex> composerLock(CwbProxy::mMutex);
+        ASSERT_EQ(0, composer->proxy().initialize());
+        EXPECT_EQ(nullptr, CwbProxy::mCwbProxy);
+    }
     std::shared_ptr<CwbService> second = composer->proxy().service();
     ASSERT_NE(nullptr, second);
     EXPECT_NE(service.get(), second.get());

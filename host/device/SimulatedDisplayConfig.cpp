@@ -91,7 +91,7 @@ struct SimulatedDisplayConfig::Engine {
     Panel& panel(PanelId id) { return panels[static_cast<int>(id)]; }
 
     binder_exception_t accept(const std::shared_ptr<config::IDisplayConfigCallback>& callback,
-                              int32_t displayType, const config::Rect& rect, bool postProcessed,
+                              int32_t dispId, const config::Rect& rect, bool postProcessed,
                               const NativeHandle& buffer);
     void loop();
     // The front request may be completed now: released, or due and not held by manual mode.
@@ -149,11 +149,11 @@ int32_t writePixels(int fd, int32_t bufWidth, int32_t bufHeight, int32_t pitch, 
 }  // namespace
 
 binder_exception_t SimulatedDisplayConfig::Engine::accept(
-        const std::shared_ptr<config::IDisplayConfigCallback>& callback, int32_t displayType,
+        const std::shared_ptr<config::IDisplayConfigCallback>& callback, int32_t dispId,
         const config::Rect& rect, bool postProcessed, const NativeHandle& buffer) {
     if (callback == nullptr) return EX_NULL_POINTER;
     if (stopping) return EX_TRANSACTION_FAILED;
-    const std::optional<PanelId> panelId = panelFor(displayType);
+    const std::optional<PanelId> panelId = panelFor(dispId);
     if (!panelId || panel(*panelId).modes.empty()) return EX_ILLEGAL_ARGUMENT;
     if (buffer.fds.size() != 1 || buffer.fds[0].get() < 0 ||
         buffer.ints.size() < static_cast<size_t>(host::gralloc::kNumInts)) {
@@ -321,8 +321,8 @@ std::vector<PanelMode> SimulatedDisplayConfig::defaultModes(PanelId panel) {
     return {{720, 1600, kVsync60Hz}};
 }
 
-std::optional<PanelId> SimulatedDisplayConfig::panelFor(int32_t displayType) {
-    switch (static_cast<config::DisplayType>(displayType)) {
+std::optional<PanelId> SimulatedDisplayConfig::panelFor(int32_t dispId) {
+    switch (static_cast<config::DisplayType>(dispId)) {
         case config::DisplayType::PRIMARY:
             return PanelId::Main;
         case config::DisplayType::BUILTIN2:
@@ -377,14 +377,13 @@ ndk::ScopedAStatus SimulatedDisplayConfig::getDisplayAttributes(int32_t index,
 }
 
 ndk::ScopedAStatus SimulatedDisplayConfig::setCWBOutputBuffer(
-        const std::shared_ptr<config::IDisplayConfigCallback>& callback,
-        config::DisplayType dispType, const config::Rect& rect, bool postProcessed,
-        const NativeHandle& buffer) {
-    WritebackRequest record{static_cast<int32_t>(dispType), rect, postProcessed, monotonicNs()};
+        const std::shared_ptr<config::IDisplayConfigCallback>& callback, int32_t dispId,
+        const config::Rect& rect, bool postProcessed, const NativeHandle& buffer) {
+    WritebackRequest record{dispId, rect, postProcessed, monotonicNs()};
     std::function<void(const WritebackRequest&)> observer;
     {
         std::lock_guard<std::mutex> lock(mEngine->mutex);
-        record.result = mEngine->accept(callback, record.displayType, rect, postProcessed, buffer);
+        record.result = mEngine->accept(callback, dispId, rect, postProcessed, buffer);
         mEngine->requests.push_back(record);
         if (mEngine->requests.size() > kHistoryWindow) mEngine->requests.pop_front();
         observer = mEngine->observer;

@@ -119,43 +119,9 @@ class CwbServiceTestPeer {
         return at(&In::mSharedMemory).sealed();
     }
 
-    // Operations on the selected display (mDisplayId), as a request for it would run them.
-    void prepareCwbBuffer() {
-        std::lock_guard<TimedMutex> lock(at(&In::mRequestLock));
-        (s.*&In::prepareCwbBuffer)(displayId());
-    }
-    void destroyCwbBuffer() {
-        std::lock_guard<TimedMutex> lock(at(&In::mRequestLock));
-        (s.*&In::releaseCwbBuffer)(displayId());
-    }
-    int setCWBOutputBuffer(const Rect& rect, bool postProcessed, bool sec = false) {
-        std::lock_guard<TimedMutex> lock(at(&In::mRequestLock));
-        return (s.*&In::writeback)(displayId(), sec, rect, postProcessed);
-    }
     static bool rectInsideBuffer(const CwbBufferInfo& info, const Rect& r) {
         return In::rectInsideBuffer(info, r);
     }
-    bool checkInputRect(const Rect& in, Rect& out) {
-        return (s.*&In::checkInputRect)(displayId(), in, out);
-    }
-    ndk::ScopedAStatus getDisplayPanelLoading(int* loading) {
-        (s.*&In::panelLoading)(displayId(), loading);
-        return ndk::ScopedAStatus::ok();
-    }
-    // The selected display's active resolution; an unknown selection leaves both alone.
-    void getResolution(uint32_t& width, uint32_t& height) {
-        const int32_t id = displayId();
-        if (id != kDisplayMain && id != kDisplaySecondary) return;
-        CwbService::DisplayAttributes attributes{};
-        (s.*&In::activeAttributes)(id, &attributes);
-        width = static_cast<uint32_t>(attributes.xRes);
-        height = static_cast<uint32_t>(attributes.yRes);
-    }
-    void clearCache() {
-        std::lock_guard<TimedMutex> lock(at(&In::mRequestLock));
-        (s.*&In::emptyResultCaches)();
-    }
-    uint64_t generateCookie() { return (s.*&In::generateCookie)(); }
     bool captureScreenAllowed() { return (s.*&In::captureScreenAllowed)(); }
     void GetCwbWeightsPos(char* path, int* count, std::vector<int>& weights) {
         (s.*&In::GetCwbWeightsPos)(path, count, weights);

@@ -1,6 +1,6 @@
 #include "SessionRunner.h"
 
-#include <CwbServiceTestPeer.h>
+#include <CwbService.h>
 #include <android/binder_manager.h>
 #include <cutils/properties.h>
 #include <host/binder_registry.h>
@@ -405,7 +405,7 @@ bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* 
         ndk::ScopedFileDescriptor fd(fresh ? fresh->fd() : -1);
         *status = mClient->initializeSharedMemory(
                 0, c.present ? static_cast<int32_t>(c.nums[0]) : 0, fd, &error);
-        fd.release();
+        static_cast<void>(fd.release());  // the region's, not ours to close
         // The old region is closed only now, so the new one cannot get its descriptor number.
         if (fresh) mRegion = std::move(fresh);
         r->error = static_cast<int32_t>(error);
@@ -415,7 +415,7 @@ bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* 
         ndk::ScopedFileDescriptor fd(mRegion ? mRegion->fd() : -1);
         *status = mClient->getSharedData(r->feature, c.rect, fd, static_cast<int32_t>(c.nums[1]),
                                          &values, &error);
-        fd.release();
+        static_cast<void>(fd.release());  // the region's, not ours to close
         r->values = values;
         r->error = static_cast<int32_t>(error);
     } else if (m == "getScreenResolution") {
@@ -469,8 +469,7 @@ void SessionRunner::recordRect(const std::string& method, int32_t feature, const
         const auto service = mComposer->proxy().service();
         if (service == nullptr) return;
         mMutedThread = std::this_thread::get_id();
-        const bool accepted =
-                cwb::implementation::CwbServiceTestPeer(*service).checkInputRect(rect, out);
+        const bool accepted = service->checkInputRect(rect, out);
         mMutedThread = std::thread::id();
         if (!accepted) return;
     }

@@ -61,7 +61,7 @@ void SnapshotRecorder::onRequest(const host::device::WritebackRequest& request) 
     }
     if (outcome != Outcome::Ok) return;
     const std::optional<PanelId> panel =
-            host::device::SimulatedDisplayConfig::panelFor(request.displayType);
+            host::device::SimulatedDisplayConfig::panelFor(request.dispId);
     if (!panel) return;
     const std::vector<host::device::PanelMode> modes = mVendor->panelModes(*panel);
     const uint32_t active = mVendor->activeMode(*panel);

@@ -49,13 +49,12 @@ native_handle_t* dupFromAidl(const NativeHandle& handle) {
     return out;
 }
 
-native_handle_t* makeFromAidl(NativeHandle* handle) {
-    if (handle == nullptr) return nullptr;
-    native_handle_t* out = native_handle_create(static_cast<int>(handle->fds.size()),
-                                                static_cast<int>(handle->ints.size()));
+native_handle_t* makeFromAidl(const NativeHandle& handle) {
+    native_handle_t* out = native_handle_create(static_cast<int>(handle.fds.size()),
+                                                static_cast<int>(handle.ints.size()));
     if (out == nullptr) return nullptr;
-    for (size_t i = 0; i < handle->fds.size(); ++i) out->data[i] = handle->fds[i].release();
-    std::copy(handle->ints.begin(), handle->ints.end(), &out->data[out->numFds]);
+    for (size_t i = 0; i < handle.fds.size(); ++i) out->data[i] = handle.fds[i].get();
+    std::copy(handle.ints.begin(), handle.ints.end(), &out->data[out->numFds]);
     return out;
 }
 

@@ -161,8 +161,7 @@ GraphicBufferMapper& GraphicBufferMapper::get() {
 }
 
 status_t GraphicBufferMapper::lock(buffer_handle_t handle, uint32_t usage, const Rect& bounds,
-                                   void** vaddr, int32_t* outBytesPerPixel,
-                                   int32_t* outBytesPerStride) {
+                                   void** vaddr) {
     if (vaddr == nullptr) return BAD_VALUE;
     *vaddr = nullptr;
     Gralloc& g = gralloc();
@@ -189,14 +188,11 @@ status_t GraphicBufferMapper::lock(buffer_handle_t handle, uint32_t usage, const
     }
     ++b.lockCount;
     *vaddr = b.address;
-    if (outBytesPerPixel != nullptr) *outBytesPerPixel = static_cast<int32_t>(b.bytesPerPixel);
-    if (outBytesPerStride != nullptr) {
-        *outBytesPerStride = static_cast<int32_t>(b.pitch * b.bytesPerPixel);
-    }
     return OK;
 }
 
-status_t GraphicBufferMapper::unlock(buffer_handle_t handle) {
+status_t GraphicBufferMapper::unlock(buffer_handle_t handle, base::unique_fd* outFence) {
+    if (outFence != nullptr) outFence->reset();
     Gralloc& g = gralloc();
     std::lock_guard<std::mutex> lock(g.mutex);
     auto it = g.buffers.find(handle);

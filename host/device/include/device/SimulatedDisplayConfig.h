@@ -30,7 +30,7 @@ struct PanelMode {
 
 // One setCWBOutputBuffer call as the vendor saw it.
 struct WritebackRequest {
-    int32_t displayType;
+    int32_t dispId;  // the display as the vendor's interface takes it: a DisplayType value
     config::Rect rect;
     bool postProcessed;
     int64_t monotonicNs;                  // CLOCK_MONOTONIC at the call
@@ -45,8 +45,9 @@ class SimulatedDisplayConfig : public config::BnDisplayConfig {
     static constexpr int32_t kVsync60Hz = 16'666'666;
     static constexpr int32_t kVsync120Hz = 8'333'333;
     static std::vector<PanelMode> defaultModes(PanelId panel);
-    // Display type 1 is the main panel, 4 (BUILTIN2) the secondary one; anything else is none.
-    static std::optional<PanelId> panelFor(int32_t displayType);
+    // Display 1 (DisplayType PRIMARY) is the main panel, 4 (BUILTIN2) the secondary one; anything
+    // else is none.
+    static std::optional<PanelId> panelFor(int32_t dispId);
 
     // What happens to the next accepted request. Ok completes with 0 after the latency, Error
     // completes with the given code and writes nothing, Drop is forgotten without completion,
@@ -60,8 +61,8 @@ class SimulatedDisplayConfig : public config::BnDisplayConfig {
     ndk::ScopedAStatus getDisplayAttributes(int32_t index, config::DisplayType dpy,
                                             config::Attributes* attributes) override;
     ndk::ScopedAStatus setCWBOutputBuffer(
-            const std::shared_ptr<config::IDisplayConfigCallback>& callback,
-            config::DisplayType dispType, const config::Rect& rect, bool postProcessed,
+            const std::shared_ptr<config::IDisplayConfigCallback>& callback, int32_t dispId,
+            const config::Rect& rect, bool postProcessed,
             const ::aidl::android::hardware::common::NativeHandle& buffer) override;
 
     void setPanelModes(PanelId panel, std::vector<PanelMode> modes);

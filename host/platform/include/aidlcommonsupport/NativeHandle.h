@@ -13,7 +13,8 @@ namespace android {
 native_handle_t* dupFromAidl(const ::aidl::android::hardware::common::NativeHandle& handle);
 // Takes over the fds of handle, which the caller then deletes without closing.
 ::aidl::android::hardware::common::NativeHandle makeToAidl(const native_handle_t* handle);
-// Moves the fds out of handle into a new native handle. Null on failure.
-native_handle_t* makeFromAidl(::aidl::android::hardware::common::NativeHandle* handle);
+// A new native handle naming the same fds, which handle keeps owning: the caller deletes it
+// without closing, before handle goes. Null on failure.
+native_handle_t* makeFromAidl(const ::aidl::android::hardware::common::NativeHandle& handle);
 
 }  // namespace android

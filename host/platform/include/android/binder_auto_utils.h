@@ -37,7 +37,6 @@ class SpAIBinder {
     ~SpAIBinder() { reset(); }
 
     AIBinder* get() const { return mBinder; }
-    AIBinder* release() { return std::exchange(mBinder, nullptr); }
     void reset(AIBinder* binder = nullptr) {
         if (mBinder != nullptr) AIBinder_decStrong(mBinder);
         mBinder = binder;
@@ -113,7 +112,7 @@ class ScopedFileDescriptor {
     ~ScopedFileDescriptor() { reset(); }
 
     int get() const { return mFd; }
-    int release() { return std::exchange(mFd, -1); }
+    [[nodiscard]] int release() { return std::exchange(mFd, -1); }
     void reset(int fd = -1) {
         if (mFd >= 0) ::close(mFd);
         mFd = fd;

@@ -5,9 +5,10 @@
 #include <android/binder_status.h>
 
 // Registers binder under instance; the registry keeps a strong reference.
-binder_exception_t AServiceManager_addService(AIBinder* binder, const char* instance);
+__attribute__((warn_unused_result)) binder_exception_t AServiceManager_addService(
+        AIBinder* binder, const char* instance);
 // Returns the registered binder with one strong reference for the caller, or null. Never waits.
-AIBinder* AServiceManager_checkService(const char* instance);
+__attribute__((warn_unused_result)) AIBinder* AServiceManager_checkService(const char* instance);
 // As checkService, but waits for instance to be registered. A device waits as long as it takes;
 // here the wait ends after 10 seconds with null so that a host test cannot hang.
-AIBinder* AServiceManager_waitForService(const char* instance);
+__attribute__((warn_unused_result)) AIBinder* AServiceManager_waitForService(const char* instance);

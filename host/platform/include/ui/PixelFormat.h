@@ -22,17 +22,4 @@ typedef int32_t PixelFormat;
 // Bytes of one pixel; 0 for a format this stand-in does not know.
 uint32_t bytesPerPixel(PixelFormat format);
 
-namespace ui {
-
-enum class PixelFormat : int32_t {
-    UNSPECIFIED = 0,
-    RGBA_8888 = 1,
-    RGBX_8888 = 2,
-    RGB_888 = 3,
-    RGB_565 = 4,
-    BGRA_8888 = 5,
-};
-
-}  // namespace ui
-
 }  // namespace android

@@ -9,7 +9,7 @@
 #include <android-base/thread_annotations.h>
 #include <log/log.h>
 #include <ui/GraphicBufferMapper.h>
-#include <ui/PixelFormat.h>
+#include <ui/GraphicTypes.h>
 #include <ui/Rect.h>
 #include <utils/Timers.h>
 #include <utils/Trace.h>
@@ -69,7 +69,8 @@ void CwbService::prepareCwbBuffer(int32_t displayId) {
     mapper.lock(allocated, kCaptureUsage,
                 ::android::Rect(0, 0, static_cast<int32_t>(width), static_cast<int32_t>(height)),
                 &address);
-    ::android::ui::PixelFormat format = ::android::ui::PixelFormat::UNSPECIFIED;
+    // The HIDL enum has no "unspecified" value: 0 stands for a format the mapper did not report.
+    ::android::ui::PixelFormat format = static_cast<::android::ui::PixelFormat>(0);
     mapper.getPixelFormatRequested(allocated, &format);
     info->format = static_cast<int32_t>(format);
     mapper.getAllocationSize(allocated, &info->size);
@@ -89,6 +90,16 @@ void CwbService::prepareCwbBuffer(int32_t displayId) {
     if (info->format != kRgb888) {
         ALOGE("Format error.");
     }
+}
+
+void CwbService::prepareCwbBuffer() {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    prepareCwbBuffer(mDisplayId);
+}
+
+void CwbService::destroyCwbBuffer() {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    releaseCwbBuffer(mDisplayId);
 }
 
 void CwbService::releaseCwbBuffer(int32_t displayId) {
@@ -160,10 +171,11 @@ int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool pos
     ndk::ScopedAStatus status;
     {
         auto buffer = ::android::dupToAidl(handle);
-        status = config->setCWBOutputBuffer(
-                mCwbCallback->asCallback(),
-                secondary ? dc::DisplayType::BUILTIN2 : dc::DisplayType::PRIMARY, region,
-                postProcessed, buffer);
+        // The vendor takes the display as an int: the DisplayType value of the panel.
+        const int32_t dispId = static_cast<int32_t>(secondary ? dc::DisplayType::BUILTIN2
+                                                              : dc::DisplayType::PRIMARY);
+        status = config->setCWBOutputBuffer(mCwbCallback->asCallback(), dispId, region,
+                                            postProcessed, buffer);
     }
     mInvalidCacheCount = 0;
     ATRACE_INT("mInvalidCacheCount", 0);
@@ -186,6 +198,16 @@ int CwbService::writeback(int32_t displayId, bool secondary, Rect rect, bool pos
                 static_cast<int>(info.height), systemTime(SYSTEM_TIME_BOOTTIME));
     }
     return 0;
+}
+
+int CwbService::setCWBOutputBuffer(Rect rect, bool postProcessed) {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    return writeback(mDisplayId, false, rect, postProcessed);
+}
+
+int CwbService::setCWBOutputBufferSec(Rect rect, bool postProcessed) {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    return writeback(mDisplayId, true, rect, postProcessed);
 }
 
 bool CwbService::waitDumpComplete() {
@@ -228,6 +250,10 @@ void CwbService::NotifyCWBBufferDone(int error, const native_handle_t* /*buffer*
 }
 
 // ---- Rectangle check and rotation ----
+
+bool CwbService::checkInputRect(const Rect& in, Rect& out) {
+    return checkInputRect(mDisplayId, in, out);
+}
 
 bool CwbService::checkInputRect(int32_t displayId, const Rect& in, Rect& out) {
     fillConfigsIfNeeded();
@@ -325,6 +351,11 @@ void CwbService::invalidCache() {
     ATRACE_INT("BufferCacheValid", 0);
     ATRACE_INT("mInvalidCacheCount", count);
     mLayerChangeCond.notify_one();
+}
+
+void CwbService::clearCache() {
+    std::lock_guard<TimedMutex> lock(mRequestLock);
+    emptyResultCaches();
 }
 
 void CwbService::emptyResultCaches() {

@@ -194,6 +194,11 @@ int32_t CwbService::sendQServiceQuery(int32_t displayId, uint32_t command) {
     return out.readInt32();
 }
 
+ndk::ScopedAStatus CwbService::getDisplayPanelLoading(int* loading) {
+    panelLoading(mDisplayId, loading);
+    return ndk::ScopedAStatus::ok();
+}
+
 void CwbService::panelLoading(int32_t displayId, int* loading) {
     std::vector<unsigned int> apl = {0, 0, 0};
     int32_t panelApl = 0;

@@ -13,6 +13,9 @@
 
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
 
+CwbProxy* CwbProxy::mCwbProxy = nullptr;
+std::mutex CwbProxy::mMutex;
+
 namespace {
 
 // Events that arrive before initialize() are dropped with one line each. The host must not send

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <mutex>
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 class CwbService;
@@ -23,6 +24,11 @@ class CwbProxy {
             const {
         return mCwbService;
     }
+
+    // Exported with the class for the composer, which may keep its instance here and serialise
+    // its own use of it; no operation of the facade reads mCwbProxy or takes mMutex.
+    static CwbProxy* mCwbProxy;
+    static std::mutex mMutex;
 
   private:
     std::shared_ptr<aidl::vendor::zarel::hardware::cwb::implementation::CwbService> mCwbService;

@@ -18,6 +18,8 @@
 #include <utils/Trace.h>
 
 #include <cstdlib>
+#include <mutex>
+#include <string>
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
@@ -32,38 +34,44 @@ constexpr const char* kDisplayConfigInstance =
         "vendor.qti.hardware.display.config.IDisplayConfig/default";
 
 // Forwards the vendor's writeback completions to the service for as long as the service lives.
+// It builds against every frozen version of the vendor interface: notifyContentFps exists from
+// version 12 on and overrides nothing before. No method says `override`, so that neither version
+// mixes marked and unmarked overrides (-Winconsistent-missing-override); every one of them still
+// overrides a pure virtual of its base where that base declares it.
 class CwbCallback : public dc::BnDisplayConfigCallback, public CwbCallbackBase {
   public:
     explicit CwbCallback(CwbBufferDoneListener* listener) : mListener(listener) {}
 
-    ndk::ScopedAStatus notifyCWBBufferDone(int32_t error, const NativeHandle& /*buffer*/) override {
+    ndk::ScopedAStatus notifyCWBBufferDone(int32_t error, const NativeHandle& /*buffer*/) {
         std::lock_guard<std::mutex> lock(mMutex);
         if (mListener != nullptr) mListener->notifyCWBBufferDone(error);
         return ndk::ScopedAStatus::ok();
     }
-    ndk::ScopedAStatus notifyQsyncChange(bool, int32_t, int32_t) override {
+    ndk::ScopedAStatus notifyQsyncChange(bool, int32_t, int32_t) {
         return ndk::ScopedAStatus::ok();
     }
-    ndk::ScopedAStatus notifyIdleStatus(bool) override { return ndk::ScopedAStatus::ok(); }
-    ndk::ScopedAStatus notifyCameraSmoothInfo(dc::CameraSmoothOp, int32_t) override {
+    ndk::ScopedAStatus notifyIdleStatus(bool) { return ndk::ScopedAStatus::ok(); }
+    ndk::ScopedAStatus notifyCameraSmoothInfo(dc::CameraSmoothOp, int32_t) {
         return ndk::ScopedAStatus::ok();
     }
-    ndk::ScopedAStatus notifyResolutionChange(int32_t, const dc::Attributes&) override {
+    ndk::ScopedAStatus notifyResolutionChange(int32_t, const dc::Attributes&) {
         return ndk::ScopedAStatus::ok();
     }
-    ndk::ScopedAStatus notifyFpsMitigation(int32_t, const dc::Attributes&,
-                                           dc::Concurrency) override {
+    ndk::ScopedAStatus notifyFpsMitigation(int32_t, const dc::Attributes&, dc::Concurrency) {
         return ndk::ScopedAStatus::ok();
     }
-    ndk::ScopedAStatus notifyTUIEventDone(int32_t, dc::DisplayType, dc::TUIEventType) override {
+    ndk::ScopedAStatus notifyTUIEventDone(int32_t, dc::DisplayType, dc::TUIEventType) {
+        return ndk::ScopedAStatus::ok();
+    }
+    ndk::ScopedAStatus notifyContentFps(const std::string&, int32_t) {
         return ndk::ScopedAStatus::ok();
     }
 
-    void detach() override {
+    void detach() {
         std::lock_guard<std::mutex> lock(mMutex);
         mListener = nullptr;
     }
-    std::shared_ptr<dc::IDisplayConfigCallback> asCallback() override {
+    std::shared_ptr<dc::IDisplayConfigCallback> asCallback() {
         return ref<dc::IDisplayConfigCallback>();
     }
 
@@ -417,6 +425,15 @@ bool CwbService::activeAttributes(int32_t displayId, DisplayAttributes* out) con
     if (list == nullptr || list->empty()) return false;
     *out = (*list)[index % list->size()];
     return true;
+}
+
+void CwbService::getResolution(uint32_t& width, uint32_t& height) {
+    const int32_t displayId = mDisplayId;
+    if (displayId != kDisplayMain && displayId != kDisplaySecondary) return;
+    DisplayAttributes attributes{};  // stays 0 x 0 for a list not read or empty
+    activeAttributes(displayId, &attributes);
+    width = static_cast<uint32_t>(attributes.xRes);
+    height = static_cast<uint32_t>(attributes.yRes);
 }
 
 // ---- Power, colour mode and overlay-layer state ----

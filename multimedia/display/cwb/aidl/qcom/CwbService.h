@@ -153,6 +153,38 @@ class CwbService : public BnCwbService,
     // mCwbMutex; a completion nobody waits for is dropped.
     void notifyCWBBufferDone(int error) override;
     void NotifyCWBBufferDone(int error, const native_handle_t* buffer) override;
+    // Panel loading of the selected display (100000000 = 1.0) from the panel APL and the
+    // qservice's UirState and PanelNit, or the main display's render intent; always OK and always
+    // written. Not part of the AIDL interface. No lock.
+    virtual ndk::ScopedAStatus getDisplayPanelLoading(int* loading);
+
+    // ---- Operations exported to the host besides CwbProxy's events. Each works on the display
+    // selected by mDisplayId and takes what it needs of mRequestLock -> mCwbMutex or of
+    // mConfigMutex itself, so the caller holds no service lock. ----
+    // Unmaps the client's shared-memory region, if any, under mSharedMemoryMutex; the munmap
+    // result, or 0 when nothing was mapped.
+    int release() EXCLUDES(mSharedMemoryMutex);
+    // The next client cookie: 0, 1, 2, ... in call order, under mCallbackMutex.
+    uint64_t generateCookie() EXCLUDES(mCallbackMutex);
+    // Active resolution of the selected display; a selection other than the main or secondary
+    // display leaves both outputs untouched, an empty configuration list gives 0 x 0.
+    void getResolution(uint32_t& width, uint32_t& height);
+    // Empties the RGB, luma and histogram caches, so that the next request captures anew; waits
+    // for a request in flight (mRequestLock).
+    void clearCache() EXCLUDES(mRequestLock);
+    // Frees the selected display's capture buffer, if it has one; the other display's stays.
+    void destroyCwbBuffer() EXCLUDES(mRequestLock);
+    // Makes the selected display's capture buffer exist at its current resolution, mapped.
+    void prepareCwbBuffer() EXCLUDES(mRequestLock);
+    // Checks a client rectangle (pixels, or fractions of 1/100000 when all four fields are
+    // negative) against the selected display and rotates it into buffer pixels; false when it
+    // does not fit. May read the configuration lists (mConfigMutex).
+    bool checkInputRect(const Rect& in, Rect& out) EXCLUDES(mConfigMutex);
+    // One writeback of the main (or secondary) display into its capture buffer, rect in buffer
+    // pixels: 0 done, -1 no vendor or no buffer, 1 the vendor refused, -4 no successful
+    // completion within 1 s. Prepares the selected display's buffer first.
+    int setCWBOutputBuffer(Rect rect, bool postProcessed) EXCLUDES(mRequestLock);
+    int setCWBOutputBufferSec(Rect rect, bool postProcessed) EXCLUDES(mRequestLock);
 
     // ---- Host events, forwarded by CwbProxy on composer threads; none blocks on a client ----
     // The composer's own CWB status; tells every client.
@@ -177,8 +209,6 @@ class CwbService : public BnCwbService,
   protected:
     // Internals. Nothing derives from the service on a device; host-side inspection names these
     // through a derived class.
-    int release();
-    uint64_t generateCookie() EXCLUDES(mCallbackMutex);
     void notifyCwbStatus() EXCLUDES(mCallbackMutex);
     void disablePostProcessed(bool disable);
     bool getDisplayAidlConfig() EXCLUDES(mDisplayConfigMutex);

@@ -20,7 +20,7 @@ struct Attributes {
     int32_t yRes = 0;
     float xDpi = 0;
     float yDpi = 0;
-    DisplayPortType panelType = DisplayPortType::DEFAULT;
+    DisplayPortType panelType = DisplayPortType(0);  // INVALID, as generated
     bool isYuv = false;
 
     inline bool operator==(const Attributes& rhs) const {

@@ -14,6 +14,10 @@ namespace config {
 enum class Concurrency : int32_t {
     NONE = 0,
     WFD = 1,
+    DP = 2,
+    DUAL = 3,
+    CWB = 4,
+    CAMERA = 5,
 };
 
 }  // namespace config

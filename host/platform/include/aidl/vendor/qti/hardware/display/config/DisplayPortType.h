@@ -12,13 +12,14 @@ namespace display {
 namespace config {
 
 enum class DisplayPortType : int32_t {
-    DEFAULT = 0,
-    DSI = 1,
-    DTV = 2,
-    WRITEBACK = 3,
-    LVDS = 4,
-    EDP = 5,
-    DP = 6,
+    INVALID = 0,
+    DEFAULT = 1,
+    DSI = 2,
+    DTV = 3,
+    WRITEBACK = 4,
+    LVDS = 5,
+    EDP = 6,
+    DP = 7,
 };
 
 }  // namespace config

@@ -1,5 +1,6 @@
 // Host stand-in for the NDK header generated from vendor.qti.hardware.display.config
-// IDisplayConfig.aidl, reduced to what the library uses. Calls are direct virtual calls.
+// IDisplayConfig.aidl (version 13), reduced to the methods the library calls, with their real
+// types. Calls are direct virtual calls.
 #pragma once
 
 #include <aidl/android/hardware/common/NativeHandle.h>
@@ -40,7 +41,7 @@ class IDisplayConfig : public ::ndk::ICInterface {
     virtual ::ndk::ScopedAStatus getDisplayAttributes(int32_t in_configIndex, DisplayType in_dpy,
                                                       Attributes* _aidl_return) = 0;
     virtual ::ndk::ScopedAStatus setCWBOutputBuffer(
-            const std::shared_ptr<IDisplayConfigCallback>& in_callback, DisplayType in_dispType,
+            const std::shared_ptr<IDisplayConfigCallback>& in_callback, int32_t in_dispId,
             const Rect& in_rect, bool in_postProcessed,
             const ::aidl::android::hardware::common::NativeHandle& in_buffer) = 0;
     virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;

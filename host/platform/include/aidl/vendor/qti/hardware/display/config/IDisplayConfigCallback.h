@@ -1,5 +1,6 @@
 // Host stand-in for the NDK header generated from vendor.qti.hardware.display.config
-// IDisplayConfigCallback.aidl, reduced to what the library uses. Calls are direct virtual calls.
+// IDisplayConfigCallback.aidl (version 13, which adds nothing to version 12): every method, in
+// the real order. Calls are direct virtual calls.
 #pragma once
 
 #include <aidl/android/hardware/common/NativeHandle.h>
@@ -49,8 +50,9 @@ class IDisplayConfigCallback : public ::ndk::ICInterface {
     virtual ::ndk::ScopedAStatus notifyFpsMitigation(int32_t in_displayId,
                                                      const Attributes& in_attr,
                                                      Concurrency in_concurrency) = 0;
-    virtual ::ndk::ScopedAStatus notifyTUIEventDone(int32_t in_disp_id, DisplayType in_disp_type,
-                                                    TUIEventType in_event_type) = 0;
+    virtual ::ndk::ScopedAStatus notifyTUIEventDone(int32_t in_error, DisplayType in_disp_type,
+                                                    TUIEventType in_eventType) = 0;
+    virtual ::ndk::ScopedAStatus notifyContentFps(const std::string& in_name, int32_t in_fps) = 0;
     virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;
     virtual ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) = 0;
 };
