@@ -1,13 +1,13 @@
-// What the process holds of the kernel: open descriptors, threads and memory mappings, counted
-// from /proc/self. The service runs in the test's process, so whatever it forgets shows here.
+// What the process holds, from /proc/self: descriptors, threads, and mappings of files and shared
+// memory (what the service maps; the allocator's and sanitizers' anonymous regions come and go).
+// The service runs in the test's process, so whatever it forgets shows here.
 #pragma once
 
 #include <dirent.h>
 
-#include <algorithm>
 #include <chrono>
 #include <fstream>
-#include <iterator>
+#include <string>
 #include <thread>
 #include <tuple>
 
@@ -17,15 +17,17 @@ struct ProcessResources {
     long descriptors = 0, threads = 0, mappings = 0;
 
     static ProcessResources now() {
-        std::ifstream maps("/proc/self/maps");
-        return {entries("/proc/self/fd"), entries("/proc/self/task"),
-                std::count(std::istreambuf_iterator<char>(maps), {}, '\n')};
+        ProcessResources out{entries("/proc/self/fd"), entries("/proc/self/task"), 0};
+        std::ifstream maps("/proc/self/maps");  // "start-end perms offset dev inode path"
+        for (std::string l; std::getline(maps, l);) {
+            out.mappings += l[l.find(' ') + 4] == 's' || l.find(" /") != std::string::npos;
+        }
+        return out;
     }
-    // Counts until no more threads run than in `before`, for at most `timeout`: a joined thread
-    // may still be leaving the kernel's list.
-    static ProcessResources settled(const ProcessResources& before,
-                                    std::chrono::milliseconds timeout = std::chrono::seconds(2)) {
-        const auto deadline = std::chrono::steady_clock::now() + timeout;
+    // Counts until no more threads run than in `before`, for at most 2 s: a joined thread may
+    // still be leaving the kernel's list.
+    static ProcessResources settled(const ProcessResources& before) {
+        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
         ProcessResources out = now();
         while (out.threads > before.threads && std::chrono::steady_clock::now() < deadline) {
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
