@@ -214,7 +214,7 @@ TEST_F(SharedMemoryTest, ClientSequence) {
     EXPECT_EQ(0u, logCount(kI, cacheLine + "CWB_AI_VALUE updated to 1"));
 
     copies(6);
-    // Paused: reported to the client, not copied; a mode switch is stored without touching the frame.
+    // Paused: the client is told, nothing copied; a mode switch is stored, the frame kept.
     region.fill();
     host::log::clear();
     EXPECT_EQ(1, shared(kCopy, crop, 30012).paused());
