@@ -173,5 +173,30 @@ TEST_F(ServiceTest, CwbWatchPrintsEachChange) {
     EXPECT_EQ(expected, rows);
 }
 
+// Notifications that come later, from another thread, until as many as asked have arrived.
+TEST_F(ServiceTest, CwbRegisterCallbackWaitsForCountNotifications) {
+    bootOn();
+    int status = -1;
+    std::string out, err;
+    std::thread tool([&] {
+        status = run({"--count", "3", "--timeout", "20000", "registerCallback"}, &out, &err);
+    });
+    EXPECT_TRUE(waitFor([&] { return peer->callbackCount() == 1; }));  // the call returned
+    std::thread([&] {
+        composer->status(false);
+        composer->status(true);
+    }).join();
+    tool.join();
+    EXPECT_EQ(0, status);
+    std::string events;
+    std::istringstream in(out);
+    for (std::string line; std::getline(in, line);) {
+        if (line.rfind("event ", 0) == 0) events += line.substr(6) + " ";
+    }
+    EXPECT_EQ("notifyCwbStatus(true) notifyCwbStatus(false) notifyCwbStatus(true) ", events)
+            << out << err;
+    EXPECT_NE(std::string::npos, out.find("unregisterCallback", out.rfind("event"))) << out;
+}
+
 }  // namespace
 }  // namespace cwbtest

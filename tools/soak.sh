@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The soak under ThreadSanitizer and under AddressSanitizer + UndefinedBehaviorSanitizer, each for
-# a bounded time (CWB_SOAK_SECONDS, default 60). Prints requests per second and resident memory
-# growth; a sanitizer report, a wrong answer, a stall or memory growth fails it.
+# a bounded time (CWB_SOAK_SECONDS, default 60). Prints requests per second and the growth after
+# warm-up of resident memory, descriptors, threads and mappings; a sanitizer report, a wrong
+# answer, a stall, memory growth or a descriptor, thread or mapping left behind fails it.
 # Usage: tools/soak.sh [PRESET...]   (default: tsan asan)
 set -euo pipefail
 cd "$(dirname "$0")/.."

@@ -1,7 +1,8 @@
 // Soak: eight clients call every method while the composer sends every event (real resolution
 // changes included) and a fault thread breaks the vendor, the qservice and the device files; a
 // watchdog fails any stall. Every answer must carry a documented code, answers on the uniform,
-// whole-frame (no ROI) picture must be exact, and resident memory must stay flat after warm-up.
+// whole-frame (no ROI) picture must be exact; after warm-up, descriptors, threads and mappings
+// must come back and resident memory stay flat.
 // CWB_SOAK_SECONDS sets the duration (default 5); tools/soak.sh runs it longer under sanitizers.
 #include <CwbProxy.h>
 #include <CwbService.h>
@@ -29,6 +30,8 @@
 #include <utility>
 #include <vector>
 
+#include "process_resources.h"
+
 namespace cwbsoak {
 namespace {
 
@@ -50,6 +53,7 @@ constexpr uint8_t kR = 40, kG = 120, kB = 200;  // every panel shows this colour
 constexpr int kLumaLevel = (7 * kR + 23 * kG + 2 * kB) >> 5;
 constexpr auto kStall = std::chrono::seconds(20);  // no request may take this long
 constexpr double kMemoryCheckSeconds = 30;         // runs this long must keep memory flat
+constexpr long kMappingSlack = 2;  // file and shared mappings; a library may map lazily
 const std::pair<const char*, const char*> kProperties[] = {
         {"display_id", "0"},    {"display_id_sec", "3"}, {"apl_read_support", "1"},
         {"aod_forbidden", "1"}, {"fod_forbidden", "1"},  {"ct_range", "0,10,245,255"}};
@@ -348,14 +352,11 @@ class Soak {
     }
 };
 
-TEST(SoakTest, ClientsEventsAndFaultsTogether) {
-    const double seconds = soakSeconds();
-    Soak soak;
-    ASSERT_NE(nullptr, soak.service);
-    std::array<Tally, kClients> tallies;
+// Runs the load for `seconds` and stops it: clients, host events and faults all joined.
+void runLoad(Soak& soak, double seconds, std::array<Tally, kClients>& tallies) {
     std::array<Heartbeat, kClients + 2> beats;
     for (Heartbeat& b : beats) b.beat();
-
+    soak.stop = false;
     std::vector<std::thread> threads;
     for (int id = 0; id < kClients; ++id) {
         threads.emplace_back([&, id] { soak.client(id, tallies[id], beats[id]); });
@@ -365,13 +366,9 @@ TEST(SoakTest, ClientsEventsAndFaultsTogether) {
 
     // Watchdog: a thread that makes no progress for kStall is a hang; stop the process loudly
     // rather than let the run time out.
-    const auto start = Clock::now();
-    const auto end = start + std::chrono::duration<double>(seconds);
-    const auto warm = start + std::chrono::duration<double>(std::max(1.0, seconds / 4));
-    size_t warmRss = 0;
+    const auto end = Clock::now() + std::chrono::duration<double>(seconds);
     while (Clock::now() < end) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        if (warmRss == 0 && Clock::now() >= warm) warmRss = residentBytes();
         const int64_t now = Clock::now().time_since_epoch().count();
         for (size_t i = 0; i < beats.size(); ++i) {
             if (now - beats[i].lastNs > std::chrono::nanoseconds(kStall).count()) {
@@ -381,9 +378,29 @@ TEST(SoakTest, ClientsEventsAndFaultsTogether) {
             }
         }
     }
-    const size_t endRss = residentBytes();
     soak.stop = true;
     for (std::thread& t : threads) t.join();
+}
+
+TEST(SoakTest, ClientsEventsAndFaultsTogether) {
+    const double seconds = soakSeconds();
+    Soak soak;
+    ASSERT_NE(nullptr, soak.service);
+    std::array<Tally, kClients> tallies;
+
+    // Resources are counted with the load stopped and the shared region released, after a
+    // warm-up (lazily made threads, arenas, capture buffers) and at the end: the same quiet
+    // state, so any difference is what the run left behind.
+    const double warmSeconds = std::max(1.0, seconds / 4);
+    Error ignored;
+    runLoad(soak, warmSeconds, tallies);
+    soak.service->releaseSharedMemory(0, 0, &ignored);
+    const size_t warmRss = residentBytes();
+    const cwbtest::ProcessResources warm = cwbtest::ProcessResources::now();
+    runLoad(soak, std::max(1.0, seconds - warmSeconds), tallies);
+    soak.service->releaseSharedMemory(0, 0, &ignored);
+    const size_t endRss = residentBytes();
+    const cwbtest::ProcessResources end = cwbtest::ProcessResources::settled(warm);
 
     uint64_t calls = 0, exact = 0;
     for (int id = 0; id < kClients; ++id) {
@@ -401,7 +418,13 @@ TEST(SoakTest, ClientsEventsAndFaultsTogether) {
            seconds, static_cast<unsigned long long>(calls), static_cast<double>(calls) / seconds,
            static_cast<unsigned long long>(exact), warmMb, endMb,
            warmRss == 0 ? 0.0 : (endMb - warmMb) / warmMb * 100.0);
+    printf("soak: growth after warm-up: descriptors %+ld, threads %+ld, mappings %+ld\n",
+           end.descriptors - warm.descriptors, end.threads - warm.threads,
+           end.mappings - warm.mappings);
     EXPECT_GT(exact, 0u);
+    // Descriptors and threads come back exactly, mappings of files and shared memory nearly so.
+    EXPECT_TRUE(end.descriptors == warm.descriptors && end.threads == warm.threads &&
+                end.mappings <= warm.mappings + kMappingSlack);  // growth printed above
     // Flat after warm-up, with a few MB of slack for allocator and sanitizer bookkeeping; short
     // runs end while the sanitizers' own tables still grow.
     if (seconds >= kMemoryCheckSeconds) {
