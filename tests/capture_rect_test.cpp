@@ -98,6 +98,11 @@ TEST_P(CaptureRectTest, ConvertsOrRefuses) {
     EXPECT_EQ(c.lines, logged());
     // The rotation of the selected display is recorded; an unknown display keeps the last one.
     EXPECT_EQ(c.rotation, peer->cwbRotate());
+    // What a client is told: INVALID_ARGUMENT exactly for a refused rectangle.
+    if (c.displayId != 1) {
+        const int32_t word = rgb(c.in).first;
+        EXPECT_EQ(c.out == kNo, word == static_cast<int32_t>(Error::INVALID_ARGUMENT)) << word;
+    }
     peer->setDisplayId(1);
     service->checkInputRect(c.in, out);
     EXPECT_EQ(c.rotation, peer->cwbRotate());
