@@ -201,11 +201,11 @@ binder_status_t CwbService::dump(int fd, const char** args, uint32_t numArgs) {
 
 std::string CwbService::sessionDump() {
     std::string out;
-    appendf<256>(&out,
-                 "# cwb-sim session from %s/default: the settings it read, both displays and what "
-                 "it was last asked,\n# each answer as recorded on the device (expect). Play it "
-                 "with a screenshot of the moment:\n#   cwb-sim SESSION --frame SCREENSHOT.png\n",
-                 ICwbService::descriptor);
+    out.append("# cwb-sim session from ").append(ICwbService::descriptor);
+    out.append(
+            "/default: the settings it read, both displays and what it was last asked, each\n"
+            "# answer as the device gave it (expect). Play it with a screenshot of the moment:\n"
+            "#   cwb-sim SESSION --frame SCREENSHOT.png\n");
     for (const char* setting : kSettings) {
         const std::string name = std::string("ro.vendor.zarel.display.cwb.") + setting;
         char value[PROPERTY_VALUE_MAX] = {};
