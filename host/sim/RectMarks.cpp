@@ -110,8 +110,10 @@ void RectMarks::draw(Frame& frame, const std::vector<Mark>& marks) {
         if (m.client) dashed(frame, *m.client, c);
         band(frame, m.buffer, c);
     }
-    // Labels last, so that no outline crosses one.
+    // Labels last, so that no outline crosses one; a label that would cover an earlier one moves
+    // down below it.
     Canvas canvas(frame);
+    std::vector<Rect> placed;
     for (size_t i = 0; i < marks.size(); ++i) {
         const Mark& m = marks[i];
         const std::string text = "L" + std::to_string(m.line) + " " + m.answer;
@@ -120,6 +122,16 @@ void RectMarks::draw(Frame& frame, const std::vector<Mark>& marks) {
         int y = m.buffer.top - kBand - th - 6;
         if (y < 4) y = m.buffer.bottom + kBand + 6;
         if (y + th + 4 > frame.height) y = std::max(4, m.buffer.top + kBand + 4);
+        for (bool moved = true; moved;) {
+            moved = false;
+            for (const Rect& p : placed) {
+                if (x < p.right && p.left < x + tw && y < p.bottom && p.top < y + th) {
+                    y = p.bottom + 8;
+                    moved = true;
+                }
+            }
+        }
+        placed.push_back({x - 3, y - 3, x + tw + 3, y + th + 3});
         canvas.label(x, y, text, kFont, 3, colour(i), kBlack);
     }
 }

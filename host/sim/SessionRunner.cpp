@@ -166,7 +166,7 @@ bool SessionRunner::finish() {
     }
     if (mReport != nullptr) {
         for (PanelId panel : kPanels) {
-            if (!mRecorder->hasCapture(panel)) continue;
+            if (!mRecorder->hasCapture(panel) || mSnapshotted[static_cast<int>(panel)]) continue;
             mReport->picture(std::string("The last capture of the ") + panelName(panel) +
                                      " panel, with the rectangles asked of it since",
                              mRecorder->picture(panel));
@@ -661,6 +661,7 @@ bool SessionRunner::picture(const Command& c, std::string* note) {
                         panelName(c.panel) + " panel yet");
         }
         image = mRecorder->picture(c.panel);
+        mSnapshotted[static_cast<int>(c.panel)] = true;
         *note = "wrote " + c.str + ", " + std::to_string(image.width) + "x" +
                 std::to_string(image.height) + " with " +
                 std::to_string(mRecorder->rectCount(c.panel)) + " rectangle(s) outlined";

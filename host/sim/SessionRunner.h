@@ -104,6 +104,7 @@ class SessionRunner {
     std::vector<int> mDiffering;  // lines of the expects that differed
     Report* mReport = nullptr;
     bool mBooted = false;
+    bool mSnapshotted[2] = {false, false};  // a snapshot command ran for the panel
 };
 
 }  // namespace cwbsim

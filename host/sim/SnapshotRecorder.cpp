@@ -82,8 +82,11 @@ void SnapshotRecorder::onRequest(const host::device::WritebackRequest& request) 
         }
         shown = std::move(region);
     }
+    // Rectangles stay marked while the captures show the same picture.
+    if (source != s.capturedFrom || r != s.capturedRect || s.captured == nullptr) s.rects.clear();
     s.captured = std::make_shared<const Frame>(std::move(shown));
-    s.rects.clear();
+    s.capturedFrom = source;
+    s.capturedRect = r;
 }
 
 Frame SnapshotRecorder::picture(PanelId panel) const {

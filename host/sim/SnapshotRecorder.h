@@ -42,6 +42,8 @@ class SnapshotRecorder {
         std::shared_ptr<const host::device::Frame> mixer;
         std::shared_ptr<const host::device::Frame> post;
         std::shared_ptr<const host::device::Frame> captured;
+        std::shared_ptr<const host::device::Frame> capturedFrom;        // the output it showed
+        decltype(host::device::WritebackRequest::rect) capturedRect{};  // region, or all zero
         std::vector<Mark> rects;
     };
 
