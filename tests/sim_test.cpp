@@ -809,8 +809,8 @@ TEST_F(SimBinary, PicturesExampleWritesBothImages) {
     }
     EXPECT_EQ((Pixel{255, 0, 255}), capture.pixel(650, 950));
     // The histogram's rectangle runs along the frame's bottom edge: its band lies inside there.
-    EXPECT_EQ((Pixel{0, 0, 0}), capture.pixel(500, 2399));
-    EXPECT_EQ(RectMarks::colour(0), capture.pixel(500, 2397));
+    EXPECT_EQ((Pixel{0, 0, 0}), capture.pixel(800, 2399));
+    EXPECT_EQ(RectMarks::colour(0), capture.pixel(800, 2397));
     EXPECT_TRUE(PngFile::read(path("answers.png"), &plot, &error)) << error;
 }
 
