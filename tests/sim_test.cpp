@@ -23,7 +23,9 @@
 #include "DefaultSession.h"
 #include "HistogramPlot.h"
 #include "JsonPrinter.h"
+#include "PlotAxes.h"
 #include "PngFile.h"
+#include "RectMarks.h"
 #include "SessionParser.h"
 #include "Simulator.h"
 
@@ -544,7 +546,11 @@ INSTANTIATE_TEST_SUITE_P(
                 Stop{"host notifyConfigChange 0 -1", 1, "config '-1'"},
                 Stop{"client x asleep", 1, "expected dead or alive"},
                 Stop{"snapshot main out.jpg", 1, "must end in .png"},
-                Stop{"plot luma x.png", 1, "only 'plot histogram PATH.png'"},
+                Stop{"plot luma x.png", 1, "'plot histogram PATH.png' or 'plot answers"},
+                Stop{"boot\nexpect error=NONE", 2, "expect follows the client call"},
+                Stop{"boot\nenable\nexpect colour=1", 3, "'colour=1' is not KEY=VALUE"},
+                Stop{"boot\nenable\nexpect result=true result=false", 3, "result given twice"},
+                Stop{"boot\nplot answers x.png", 2, "no RGB or luma answer yet", kFailed},
                 Stop{"frame main png small.png", 1, "is 100x100, the main panel is 1080x2400",
                      kFailed, true},
                 Stop{"frame main png none.png", 1, "frame: cannot read PNG", kFailed},
@@ -597,10 +603,14 @@ TEST_F(SimSession, SnapshotOutlinesTheRectanglesOfTheLastGoodCapture) {
     ASSERT_TRUE(PngFile::read(path("snap.png"), &snap, &error)) << error;
     ASSERT_EQ(std::make_pair(1080, 2400), std::make_pair(snap.width, snap.height));
     EXPECT_EQ((Pixel{0, 0, 255}), snap.pixel(150, 150));
-    for (int left : {100, 400, 500}) {
+    // Each in its own colour between black edges, outside the rectangle.
+    for (int i : {0, 1, 2}) {
+        const int left = std::vector<int>{100, 400, 500}[i];
         EXPECT_EQ((Pixel{0, 0, 0}), snap.pixel(left - 1, left + 5)) << left;
-        EXPECT_EQ((Pixel{255, 255, 255}), snap.pixel(left - 2, left + 5)) << left;
-        EXPECT_EQ((Pixel{0, 0, 255}), snap.pixel(left - 3, left + 5)) << left;
+        EXPECT_EQ(RectMarks::colour(i), snap.pixel(left - 2, left + 5)) << left;
+        EXPECT_EQ(RectMarks::colour(i), snap.pixel(left - 5, left + 5)) << left;
+        EXPECT_EQ((Pixel{0, 0, 0}), snap.pixel(left - 6, left + 5)) << left;
+        EXPECT_EQ((Pixel{0, 0, 255}), snap.pixel(left - 7, left + 5)) << left;
     }
 }
 
@@ -617,10 +627,10 @@ TEST_F(SimSession, PlotDrawsEachChannelAtItsLevel) {
     ASSERT_EQ(HistogramPlot::kWidth, plot.width);
     const int top = HistogramPlot::y(2000, 2000);
     EXPECT_EQ(HistogramPlot::kTop, top);
-    EXPECT_EQ((Pixel{220, 0, 0}), plot.pixel(HistogramPlot::x(10), top));
-    EXPECT_EQ((Pixel{0, 160, 0}), plot.pixel(HistogramPlot::x(20), top));
-    EXPECT_EQ((Pixel{0, 0, 230}), plot.pixel(HistogramPlot::x(30), top));
-    EXPECT_EQ((Pixel{0, 0, 0}), plot.pixel(HistogramPlot::kLeft, HistogramPlot::kTop + 50));
+    for (int ch = 0; ch < 3; ++ch) {
+        EXPECT_EQ(PlotAxes::kChannels[ch], plot.pixel(HistogramPlot::x(10 * (ch + 1)), top)) << ch;
+    }
+    EXPECT_EQ(PlotAxes::kInk, plot.pixel(HistogramPlot::kLeft, HistogramPlot::kTop + 50));
 }
 
 // ---- The examples, each played and its answers checked ----
@@ -798,6 +808,10 @@ TEST_F(SimBinary, PicturesExampleWritesBothImages) {
         EXPECT_EQ((Pixel{0, 0, 0}), capture.pixel(x, y)) << x << "," << y;
     }
     EXPECT_EQ((Pixel{255, 0, 255}), capture.pixel(650, 950));
+    // The histogram's rectangle runs along the frame's bottom edge: its band lies inside there.
+    EXPECT_EQ((Pixel{0, 0, 0}), capture.pixel(800, 2399));
+    EXPECT_EQ(RectMarks::colour(0), capture.pixel(800, 2397));
+    EXPECT_TRUE(PngFile::read(path("answers.png"), &plot, &error)) << error;
 }
 
 }  // namespace

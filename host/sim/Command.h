@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace cwbsim {
@@ -29,7 +30,8 @@ enum class Op {
     ClientState,  // str = client name, present = alive
     Call,         // verb = method (or readShared), see SessionParser for the fields used
     Snapshot,     // panel, str = output path
-    Plot,         // str = output path
+    Plot,         // str = output path, verb = histogram or answers
+    Expect,       // list of words KEY=VALUE in expects: what the device answered the last call
 };
 
 enum class FrameSource { Fill, Png, Pattern, Paint };
@@ -53,6 +55,7 @@ struct Command {
     host::device::SimulatedDisplayConfig::Outcome outcome =
             host::device::SimulatedDisplayConfig::Outcome::Ok;
     std::vector<host::device::PanelMode> modes;
+    std::vector<std::pair<std::string, std::string>> expects;
 };
 
 }  // namespace cwbsim

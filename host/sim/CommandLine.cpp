@@ -3,7 +3,8 @@
 namespace cwbsim {
 
 const char* CommandLine::usage() {
-    return "usage: cwb-sim [--json] [--logs] [--prop NAME=VALUE]... [--frame PNG] [SCRIPT | -]\n"
+    return "usage: cwb-sim [--json] [--logs] [--prop NAME=VALUE]... [--frame PNG] [--report DIR]\n"
+           "               [SCRIPT | -]\n"
            "  Plays a session against the CWB service on a simulated phone; without SCRIPT, a\n"
            "  built-in demonstration. '-' reads the session from standard input.\n"
            "  --json              one JSON object per line instead of the table\n"
@@ -11,6 +12,8 @@ const char* CommandLine::usage() {
            "  --prop NAME=VALUE   set a system property before boot (repeatable)\n"
            "  --frame PNG         show this image (RGB or RGBA, the panel's size) on the main "
            "panel\n"
+           "  --report DIR       also write DIR/index.html: the phone, the session and every\n"
+           "                     picture in one self-contained page\n"
            "  Exit status: 0 played, 1 something could not be done, 2 bad argument or session "
            "line.\n";
 }
@@ -51,6 +54,12 @@ bool CommandLine::parse(const std::vector<std::string>& args, std::string* error
             if (!value("--frame", &mOptions.frame)) return false;
             if (mOptions.frame.empty()) {
                 *error = "--frame needs a PNG file";
+                return false;
+            }
+        } else if (is("--report")) {
+            if (!value("--report", &mOptions.report)) return false;
+            if (mOptions.report.empty()) {
+                *error = "--report needs a folder";
                 return false;
             }
         } else if (a.size() > 1 && a[0] == '-') {

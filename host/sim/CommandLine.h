@@ -1,4 +1,4 @@
-// cwb-sim [--json] [--logs] [--prop NAME=VALUE]... [--frame PNG] [SCRIPT | -]
+// cwb-sim [--json] [--logs] [--prop NAME=VALUE]... [--frame PNG] [--report DIR] [SCRIPT | -]
 #pragma once
 
 #include <string>

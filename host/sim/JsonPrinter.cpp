@@ -98,6 +98,11 @@ void JsonPrinter::printEvent(const std::string& client, bool status) {
          << ",\"status\":" << (status ? "true" : "false") << "}\n";
 }
 
+void JsonPrinter::printExpect(int line, bool same, const std::string& note) {
+    mOut << "{\"expect\":" << (same ? "true" : "false") << ",\"note\":" << quote(note)
+         << ",\"line\":" << line << "}\n";
+}
+
 void JsonPrinter::printLog(char priority, const std::string& tag, const std::string& text) {
     mOut << "{\"log\":\"" << priority << "\",\"tag\":" << quote(tag) << ",\"text\":" << quote(text)
          << "}\n";

@@ -2,6 +2,7 @@
 //   {"call":NAME,"status":S,"error":E,...out-values...,"line":N}
 //   {"event":"notifyCwbStatus","client":NAME,"status":true|false}
 //   {"log":"D|I|W|E","tag":TAG,"text":TEXT}
+//   {"expect":true|false,"note":TEXT,"line":N}   true when the device's answer came again
 // Commands that are not client calls print nothing.
 #pragma once
 
@@ -21,6 +22,7 @@ class JsonPrinter : public Printer {
     void printCommand(int line, const std::string& text, const std::string& note) override;
     void printCall(const CallRecord& record) override;
     void printEvent(const std::string& client, bool status) override;
+    void printExpect(int line, bool same, const std::string& note) override;
     void printLog(char priority, const std::string& tag, const std::string& text) override;
     void printNote(const std::string& text) override;
 };

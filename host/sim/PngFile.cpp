@@ -88,4 +88,36 @@ bool PngFile::write(const std::string& path, const host::device::Frame& frame, s
     return true;
 }
 
+bool PngFile::encode(const host::device::Frame& frame, std::vector<uint8_t>* out,
+                     std::string* error) {
+    if (frame.width <= 0 || frame.height <= 0 ||
+        frame.rgb.size() != static_cast<size_t>(frame.width) * frame.height * 3) {
+        *error = "nothing to encode";
+        return false;
+    }
+    png_image image;
+    memset(&image, 0, sizeof(image));
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(frame.width);
+    image.height = static_cast<png_uint_32>(frame.height);
+    image.format = PNG_FORMAT_RGB;
+    // The first call measures, the second writes.
+    png_alloc_size_t size = 0;
+    if (png_image_write_to_memory(&image, nullptr, &size, 0, frame.rgb.data(), 0, nullptr) == 0) {
+        *error = std::string("cannot encode PNG: ") + image.message;
+        png_image_free(&image);
+        return false;
+    }
+    out->resize(size);
+    if (png_image_write_to_memory(&image, out->data(), &size, 0, frame.rgb.data(), 0, nullptr) ==
+        0) {
+        *error = std::string("cannot encode PNG: ") + image.message;
+        png_image_free(&image);
+        return false;
+    }
+    out->resize(size);
+    png_image_free(&image);
+    return true;
+}
+
 }  // namespace cwbsim

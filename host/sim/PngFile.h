@@ -3,7 +3,9 @@
 
 #include <device/Frame.h>
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 namespace cwbsim {
 
@@ -16,6 +18,9 @@ class PngFile {
     static bool read(const std::string& path, host::device::Frame* out, std::string* error);
     static bool write(const std::string& path, const host::device::Frame& frame,
                       std::string* error);
+    // The PNG file's bytes, for pictures carried inside another file.
+    static bool encode(const host::device::Frame& frame, std::vector<uint8_t>* out,
+                       std::string* error);
 };
 
 }  // namespace cwbsim

@@ -173,7 +173,16 @@ struct Line {
     bool file() {
         if (t.size() < 2) return fail("file: expected weights main|sec PATH or apl TEXT|none");
         if (t[1] == "weights") {
-            if (!count(2, 2, "main|sec PATH") || !panel(2)) return false;
+            // "json TEXT" carries the file's text itself (a text without blanks), as a session
+            // dump writes it.
+            if (t.size() == 5 && t[3] == "json") {
+                if (!panel(2)) return false;
+                c.op = Op::FileWeights;
+                c.str = t[4];
+                c.present = false;  // not a path
+                return true;
+            }
+            if (!count(2, 2, "main|sec PATH or main|sec json TEXT") || !panel(2)) return false;
             c.op = Op::FileWeights;
             c.str = t[3];
             return true;
@@ -386,14 +395,40 @@ struct Line {
         return fail("unknown command '" + m + "'");
     }
 
+    // KEY=VALUE words, each key once; the values are compared as text with the replayed answer.
+    bool expect() {
+        c.op = Op::Expect;
+        if (t.size() < 2) return fail("expect: expected KEY=VALUE ..., for example error=NONE");
+        static const char* const kKeys[] = {"error",    "state",  "rgb",   "luma",  "means",
+                                            "checksum", "values", "count", "result"};
+        for (size_t i = 1; i < t.size(); ++i) {
+            const size_t eq = t[i].find('=');
+            const std::string key = t[i].substr(0, eq);
+            if (eq == std::string::npos || eq + 1 == t[i].size() ||
+                std::find(std::begin(kKeys), std::end(kKeys), key) == std::end(kKeys)) {
+                return fail("expect: '" + t[i] +
+                            "' is not KEY=VALUE with KEY one of error, state, rgb, luma, means, "
+                            "checksum, values, count, result");
+            }
+            for (const auto& [seen, value] : c.expects) {
+                if (seen == key) return fail("expect: " + key + " given twice");
+            }
+            c.expects.emplace_back(key, t[i].substr(eq + 1));
+        }
+        return true;
+    }
+
     bool picture() {
         if (t[0] == "snapshot") {
             if (!count(1, 2, "main|sec PATH.png") || !panel(1)) return false;
             c.op = Op::Snapshot;
         } else {
-            if (!count(1, 2, "histogram PATH.png")) return false;
-            if (t[1] != "histogram") return fail("plot: only 'plot histogram PATH.png' exists");
+            if (!count(1, 2, "histogram|answers PATH.png")) return false;
+            if (t[1] != "histogram" && t[1] != "answers") {
+                return fail("plot: expected 'plot histogram PATH.png' or 'plot answers PATH.png'");
+            }
             c.op = Op::Plot;
+            c.verb = t[1];
         }
         c.str = t[2];
         if (!endsWithPng(c.str)) return fail(t[0] + ": the output file must end in .png");
@@ -419,6 +454,7 @@ struct Line {
         if (w == "host") return host();
         if (w == "client") return client();
         if (w == "snapshot" || w == "plot") return picture();
+        if (w == "expect") return expect();
         return call();
     }
 };
@@ -444,6 +480,7 @@ bool SessionParser::parse(const std::string& text, const std::function<bool(cons
                           SessionError* error) {
     int number = 0;
     int bootLine = 0;
+    bool afterCall = false;
     // Line by line in place: a long session is not copied whole once more.
     for (size_t start = 0; start < text.size();) {
         size_t end = text.find('\n', start);
@@ -479,6 +516,11 @@ bool SessionParser::parse(const std::string& text, const std::function<bool(cons
             *error = {number, c.verb + " is a client call: the service exists only after boot"};
             return false;
         }
+        if (c.op == Op::Expect && !afterCall) {
+            *error = {number, "expect follows the client call whose answer it gives"};
+            return false;
+        }
+        afterCall = c.op == Op::Call;
         if (c.op == Op::Boot) bootLine = number;
         if (!sink(c)) return true;
     }

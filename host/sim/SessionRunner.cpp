@@ -16,8 +16,10 @@
 #include <fstream>
 #include <sstream>
 
+#include "AnswersPlot.h"
 #include "HistogramPlot.h"
 #include "PngFile.h"
+#include "RectMarks.h"
 
 namespace cwbsim {
 
@@ -53,6 +55,31 @@ int32_t statusCode(const ndk::ScopedAStatus& status) {
 
 std::string instanceName() {
     return std::string(cwb::ICwbService::descriptor) + "/default";
+}
+
+std::string joined(const int32_t* v, size_t n) {
+    std::string out;
+    for (size_t i = 0; i < n; ++i) out += (i == 0 ? "" : ",") + std::to_string(v[i]);
+    return out.empty() ? "-" : out;
+}
+
+std::string fixed(const char* format, double value) {
+    char text[64];
+    snprintf(text, sizeof(text), format, value);
+    return text;
+}
+
+// The short answer a snapshot label shows.
+std::string shortAnswer(const CallRecord& r) {
+    if (r.rgb) return "RGB " + joined(r.rgb->data(), 3);
+    if (r.lumas && !r.lumas->empty()) return "LUMA " + fixed("%.4f", (*r.lumas)[0]);
+    if (r.histogram) return "HISTOGRAM";
+    if (r.values && r.name == "getSharedData") return "CROP";
+    if (r.values && r.values->size() >= 3 && r.feature != 2) {
+        return "CWB" + std::to_string(r.feature) + " RGB " + joined(r.values->data(), 3);
+    }
+    if (r.values && !r.values->empty()) return "CWB2 LUMA " + fixed("%.4f", (*r.values)[0] / 1e4);
+    return r.name;
 }
 
 }  // namespace
@@ -119,12 +146,36 @@ bool SessionRunner::step(const Command& c) {
         return false;
     }
     // Phone set-up lines and sleeps say nothing worth a row.
-    if (!setup && c.op != Op::Sleep && c.op != Op::Call) mPrinter.command(c.line, c.text, note);
+    if (!setup && c.op != Op::Sleep && c.op != Op::Call && c.op != Op::Expect) {
+        mPrinter.command(c.line, c.text, note);
+    }
+    if (c.op == Op::Boot) mBooted = true;
+    if (mReport != nullptr && !mBooted && c.op != Op::Sleep) mReport->phone(c.text);
     return true;
 }
 
 bool SessionRunner::finish() {
-    return mFrameApplied || applyCommandLineFrame();
+    if (!mFrameApplied && !applyCommandLineFrame()) return false;
+    if (mExpects > 0) {
+        std::string lines;
+        for (int line : mDiffering)
+            lines += (lines.empty() ? " (line " : ", ") + std::to_string(line);
+        mPrinter.note("Replay: " + std::to_string(mExpects - static_cast<int>(mDiffering.size())) +
+                      " of " + std::to_string(mExpects) + " answers as the device recorded them" +
+                      (mDiffering.empty() ? "" : "; differing" + lines + ")"));
+    }
+    if (mReport != nullptr) {
+        for (PanelId panel : kPanels) {
+            if (!mRecorder->hasCapture(panel) || mSnapshotted[static_cast<int>(panel)]) continue;
+            mReport->picture(std::string("The last capture of the ") + panelName(panel) +
+                                     " panel, with the rectangles asked of it since",
+                             mRecorder->picture(panel));
+        }
+        if (!mAnswers.empty()) {
+            mReport->picture("RGB and luma answers by session line", AnswersPlot::render(mAnswers));
+        }
+    }
+    return true;
 }
 
 bool SessionRunner::execute(const Command& c, std::string* note) {
@@ -178,6 +229,9 @@ bool SessionRunner::execute(const Command& c, std::string* note) {
         case Op::Snapshot:
         case Op::Plot:
             return picture(c, note);
+        case Op::Expect:
+            expect(c);
+            return true;
     }
     return fail("unknown command");
 }
@@ -189,6 +243,11 @@ bool SessionRunner::boot(std::string* note) {
     mClient = cwb::ICwbService::fromBinder(binder);
     if (mClient == nullptr) return fail("the service is not registered as " + instanceName());
     mServedDisplay = displayIdProperty(kDisplayIdProp);
+    if (mReport != nullptr) {
+        for (const auto& [name, value] : mOptions.props)
+            mReport->phone("--prop " + name + "=" + value);
+        if (!mOptions.frame.empty()) mReport->phone("--frame " + mOptions.frame);
+    }
     *note = "service registered as " + instanceName();
     return true;
 }
@@ -295,6 +354,10 @@ bool SessionRunner::applyCommandLineFrame() {
 }
 
 bool SessionRunner::fileWeights(const Command& c) {
+    if (!c.present) {  // the text itself, as a session dump gives it
+        mDevice->writeWeights(c.panel, c.str);
+        return true;
+    }
     const std::string path = resolve(c.str);
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored)) {
@@ -306,6 +369,7 @@ bool SessionRunner::fileWeights(const Command& c) {
     if (!in || in.bad()) return fail("file weights: cannot read " + path);
     if (text.str().empty()) return fail("file weights: " + path + " is empty");
     mDevice->writeWeights(c.panel, text.str());
+    if (mReport != nullptr) mReport->file(path, text.str());
     return true;
 }
 
@@ -340,7 +404,14 @@ bool SessionRunner::call(const Command& c) {
         status = mClient->getHistogramValue(c.rect, &histogram, &error);
         r.histogram = histogram.counts;
         r.error = static_cast<int32_t>(error);
-        if (status.isOk()) mLastHistogram = histogram;
+        if (status.isOk()) {
+            mLastHistogram = histogram;
+            mLastHistogramTitle = "LINE " + std::to_string(c.line) + " " + c.text;
+            if (mReport != nullptr) {
+                mReport->picture("Line " + std::to_string(c.line) + ": " + c.text,
+                                 HistogramPlot::render(histogram, mLastHistogramTitle));
+            }
+        }
     } else if (m == "getCwbValue") {
         std::vector<int32_t> values;
         r.feature = static_cast<int32_t>(c.nums[0]);
@@ -382,9 +453,20 @@ bool SessionRunner::call(const Command& c) {
         r.values.reset();
         r.result.reset();
     } else if (c.hasRect) {
-        recordRect(m, r.feature, c.rect, r.error.value_or(0));
+        recordRect(r, c.rect);
+    }
+    if (r.status == 0 && (r.error.value_or(0) & 0xFFFF) == 0) {
+        if (r.rgb)
+            mAnswers.push_back(
+                    {c.line, std::array<int, 3>{(*r.rgb)[0], (*r.rgb)[1], (*r.rgb)[2]}, {}});
+        if (r.lumas && !r.lumas->empty()) mAnswers.push_back({c.line, {}, (*r.lumas)[0]});
+        if (m == "getCwbValue" && r.values && r.values->size() >= 3 && r.feature != 2) {
+            const auto& v = *r.values;
+            mAnswers.push_back({c.line, std::array<int, 3>{v[0], v[1], v[2]}, {}});
+        }
     }
     mPrinter.call(r);
+    mLastCall = r;
     return true;
 }
 
@@ -446,8 +528,10 @@ bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* 
     return true;
 }
 
-void SessionRunner::recordRect(const std::string& method, int32_t feature, const Rect& rect,
-                               int32_t error) {
+void SessionRunner::recordRect(const CallRecord& call, const Rect& rect) {
+    const std::string& method = call.name;
+    const int32_t feature = call.feature;
+    const int32_t error = call.error.value_or(0);
     if ((error & 0xFFFF) == static_cast<int32_t>(cwb::Error::INVALID_ARGUMENT)) return;
     std::optional<PanelId> panel;
     bool convert = true;
@@ -473,7 +557,98 @@ void SessionRunner::recordRect(const std::string& method, int32_t feature, const
         mMutedThread = std::thread::id();
         if (!accepted) return;
     }
-    mRecorder->addRect(*panel, out);
+    Mark mark;
+    mark.buffer = out;
+    mark.line = call.line;
+    mark.answer = shortAnswer(call);
+    // The client's rectangle where it differs: fractions scaled to the panel, or a rotation.
+    const auto [width, height] = panelSize(*panel);
+    auto pixels = [](int32_t v, int size) {
+        return v < 0 ? static_cast<int32_t>(static_cast<int64_t>(v & 0x7FFFFFFF) * size / 100000)
+                     : v;
+    };
+    const Rect client{pixels(rect.left, width), pixels(rect.top, height), pixels(rect.right, width),
+                      pixels(rect.bottom, height)};
+    if (client != out) mark.client = client;
+    // Weights weigh an RGB window of exactly their count on their own display.
+    const bool rgb = method == "getRGBValue" || (method == "getCwbValue" && feature != 2);
+    const auto service = mComposer->proxy().service();
+    if (rgb && service != nullptr) {
+        const cwb::implementation::CwbServiceTestPeer peer(*service);
+        const bool sec = *panel == PanelId::Secondary;
+        const int64_t area = int64_t{out.right - out.left} * (out.bottom - out.top);
+        std::vector<int32_t> weights = peer.weights(sec);
+        if (peer.weightsCount(sec) == area && area > 0 &&
+            weights.size() >= static_cast<size_t>(area)) {
+            weights.resize(static_cast<size_t>(area));
+            mark.weights = std::move(weights);
+        }
+    }
+    mRecorder->addMark(*panel, std::move(mark));
+}
+
+void SessionRunner::expect(const Command& c) {
+    ++mExpects;
+    std::string same, differ;
+    for (const auto& [key, device] : c.expects) {
+        const std::string here = answerWord(key);
+        if (here == device) {
+            same += (same.empty() ? "" : ", ") + key + " " + device;
+        } else {
+            differ += (differ.empty() ? "" : "; ") + key + " " + here + " here, " + device +
+                      " on the device";
+        }
+    }
+    if (!differ.empty()) mDiffering.push_back(mLastCall ? mLastCall->line : c.line);
+    mPrinter.expect(c.line, differ.empty(), differ.empty() ? same : differ);
+}
+
+std::string SessionRunner::answerWord(const std::string& key) const {
+    if (!mLastCall) return "none";
+    const CallRecord& r = *mLastCall;
+    if (r.status != 0) return "status " + std::to_string(r.status);
+    if (key == "error" && r.error) {
+        static constexpr const char* kErrors[] = {"NONE", "FAILED", "INVALID_ARGUMENT",
+                                                  "SCREEN_OFF"};
+        const uint32_t low = static_cast<uint32_t>(*r.error) & 0xFFFF;
+        return low < 4 ? kErrors[low] : std::to_string(low);
+    }
+    if (key == "state" && r.error) return std::to_string(static_cast<uint32_t>(*r.error) >> 16);
+    if (key == "rgb" && r.rgb) return joined(r.rgb->data(), 3);
+    if (key == "luma" && r.lumas && !r.lumas->empty()) return fixed("%.6f", (*r.lumas)[0]);
+    if (key == "result" && r.result) return *r.result ? "true" : "false";
+    if ((key == "values" || key == "count") && r.values) {
+        if (key == "count") return std::to_string(r.values->size());
+        // getCwbValue's times after the colour differ on every run; only the colour compares.
+        const size_t n = std::min<size_t>(r.values->size(), r.name == "getCwbValue" ? 4 : 6);
+        return joined(r.values->data(), n);
+    }
+    if ((key == "means" || key == "checksum") && r.histogram) {
+        // As the device's dump summarises it: means in hundredths, FNV-1a over the counts.
+        uint64_t sum[3] = {}, pixels[3] = {};
+        uint32_t hash = 2166136261u;
+        for (size_t i = 0; i < r.histogram->size(); ++i) {
+            const auto count = static_cast<uint32_t>((*r.histogram)[i]);
+            sum[i % 3] += (i / 3) * uint64_t{count};
+            pixels[i % 3] += count;
+            for (int b = 0; b < 4; ++b) hash = (hash ^ ((count >> (8 * b)) & 0xFF)) * 16777619u;
+        }
+        char text[32];
+        if (key == "checksum") {
+            snprintf(text, sizeof(text), "%08x", hash);
+            return text;
+        }
+        std::string out;
+        for (int ch = 0; ch < 3; ++ch) {
+            const uint64_t m = pixels[ch] == 0 ? 0 : (sum[ch] * 100 + pixels[ch] / 2) / pixels[ch];
+            snprintf(text, sizeof(text), "%s%llu.%02llu", ch == 0 ? "" : ",",
+                     static_cast<unsigned long long>(m / 100),
+                     static_cast<unsigned long long>(m % 100));
+            out += text;
+        }
+        return out;
+    }
+    return "none";
 }
 
 bool SessionRunner::picture(const Command& c, std::string* note) {
@@ -485,13 +660,22 @@ bool SessionRunner::picture(const Command& c, std::string* note) {
                         panelName(c.panel) + " panel yet");
         }
         image = mRecorder->picture(c.panel);
+        mSnapshotted[static_cast<int>(c.panel)] = true;
         *note = "wrote " + c.str + ", " + std::to_string(image.width) + "x" +
                 std::to_string(image.height) + " with " +
                 std::to_string(mRecorder->rectCount(c.panel)) + " rectangle(s) outlined";
+    } else if (c.verb == "answers") {
+        if (mAnswers.empty()) return fail("plot answers: no RGB or luma answer yet");
+        image = AnswersPlot::render(mAnswers);
+        *note = "wrote " + c.str + ", " + std::to_string(mAnswers.size()) + " answer(s)";
     } else {
         if (!mLastHistogram) return fail("plot histogram: no getHistogramValue answer yet");
-        image = HistogramPlot::render(*mLastHistogram);
+        image = HistogramPlot::render(*mLastHistogram, mLastHistogramTitle);
         *note = "wrote " + c.str;
+    }
+    // Plots of histograms are in the report already, one per answer.
+    if (mReport != nullptr && (c.op == Op::Snapshot || c.verb == "answers")) {
+        mReport->picture("Line " + std::to_string(c.line) + ": " + c.text, image);
     }
     if (!PngFile::write(c.str, image, &error)) {
         return fail(std::string(c.op == Op::Snapshot ? "snapshot: " : "plot: ") + error);

@@ -19,12 +19,14 @@
 #include <thread>
 #include <vector>
 
+#include "AnswersPlot.h"
 #include "CallRecord.h"
 #include "ClientCallback.h"
 #include "Command.h"
 #include "Options.h"
 #include "PanelPicture.h"
 #include "Printer.h"
+#include "Report.h"
 #include "SharedRegion.h"
 #include "SnapshotRecorder.h"
 
@@ -44,6 +46,8 @@ class SessionRunner {
     // The same one command at a time: step() for each, then finish() once. False stops the run.
     bool step(const Command& c);
     bool finish();
+    // Collects the phone, every picture and extra plots for --report; set before the first step.
+    void setReport(Report* report) { mReport = report; }
     // Why run() stopped, and at which session line (0 for the command line's --frame).
     const std::string& error() const { return mError; }
     int errorLine() const { return mErrorLine; }
@@ -59,6 +63,9 @@ class SessionRunner {
     bool call(const Command& c);
     bool shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* status);
     bool picture(const Command& c, std::string* note);
+    void expect(const Command& c);
+    // The answer of the last call as expect words (error=, rgb=, ...).
+    std::string answerWord(const std::string& key) const;
     bool applyCommandLineFrame();
     bool fileWeights(const Command& c);
 
@@ -68,7 +75,7 @@ class SessionRunner {
     std::optional<host::device::PanelId> panelOfDisplay(int64_t display) const;
     std::shared_ptr<ClientCallback> callback(const std::string& name);
     // Marks the rectangle a request analysed, in capture-buffer pixels, for snapshots.
-    void recordRect(const std::string& method, int32_t feature, const Rect& rect, int32_t error);
+    void recordRect(const CallRecord& r, const Rect& rect);
     std::string resolve(const std::string& path) const;
     void tearDown();
 
@@ -90,6 +97,14 @@ class SessionRunner {
     bool mFrameApplied = false;
     int32_t mServedDisplay = -1;  // the service's display selection, as the calls moved it
     std::optional<aidl::vendor::zarel::hardware::cwb::Histogram> mLastHistogram;
+    std::string mLastHistogramTitle;
+    std::optional<CallRecord> mLastCall;
+    std::vector<Answer> mAnswers;  // RGB and luma answers, for plot answers
+    int mExpects = 0;
+    std::vector<int> mDiffering;  // lines of the expects that differed
+    Report* mReport = nullptr;
+    bool mBooted = false;
+    bool mSnapshotted[2] = {false, false};  // a snapshot command ran for the panel
 };
 
 }  // namespace cwbsim

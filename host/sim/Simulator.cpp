@@ -12,9 +12,11 @@
 #include "DefaultSession.h"
 #include "JsonPrinter.h"
 #include "MessageText.h"
+#include "Report.h"
 #include "SessionParser.h"
 #include "SessionRunner.h"
 #include "TablePrinter.h"
+#include "TeePrinter.h"
 
 namespace cwbsim {
 
@@ -80,17 +82,28 @@ int Simulator::play(const std::string& text, const std::string& source, const st
     } else {
         printer = std::make_unique<TablePrinter>(out);
     }
+    // A report keeps its own table beside what the user reads.
+    std::ostringstream tableText;
+    TablePrinter table(tableText);
+    TeePrinter tee(tableText, *printer, table);
+    Report report;
+    const bool reporting = !options.report.empty();
     std::string error;
     int line = 0;
     {
-        SessionRunner runner(options, baseDir, *printer);
+        SessionRunner runner(options, baseDir, reporting ? tee : *printer);
+        if (reporting) runner.setReport(&report);
         bool played = true;
         SessionError ignored;
         SessionParser::parse(
                 text, [&](const Command& c) { return played = runner.step(c); }, &ignored);
-        if (played && runner.finish()) return kPlayed;
-        error = runner.error();
-        line = runner.errorLine();
+        if (played && runner.finish()) {
+            if (!reporting) return kPlayed;
+            if (report.write(options.report, source, tableText.str(), &error)) return kPlayed;
+        } else {
+            error = runner.error();
+            line = runner.errorLine();
+        }
     }
     err << "cwb-sim: " << printableMessage(source);
     if (line > 0) err << " line " << line;

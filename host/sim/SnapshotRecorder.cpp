@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "Canvas.h"
-
 namespace cwbsim {
 
 using host::device::Frame;
@@ -30,9 +28,9 @@ void SnapshotRecorder::expectOutcome(Outcome outcome) {
     mOutcomes.push_back(outcome);
 }
 
-void SnapshotRecorder::addRect(PanelId panel, const aidl::vendor::zarel::hardware::cwb::Rect& r) {
+void SnapshotRecorder::addMark(PanelId panel, Mark mark) {
     std::lock_guard<std::mutex> lock(mMutex);
-    mPanels[static_cast<int>(panel)].rects.push_back(r);
+    mPanels[static_cast<int>(panel)].rects.push_back(std::move(mark));
 }
 
 bool SnapshotRecorder::hasCapture(PanelId panel) const {
@@ -84,8 +82,11 @@ void SnapshotRecorder::onRequest(const host::device::WritebackRequest& request) 
         }
         shown = std::move(region);
     }
+    // Rectangles stay marked while the captures show the same picture.
+    if (source != s.capturedFrom || r != s.capturedRect || s.captured == nullptr) s.rects.clear();
     s.captured = std::make_shared<const Frame>(std::move(shown));
-    s.rects.clear();
+    s.capturedFrom = source;
+    s.capturedRect = r;
 }
 
 Frame SnapshotRecorder::picture(PanelId panel) const {
@@ -93,11 +94,7 @@ Frame SnapshotRecorder::picture(PanelId panel) const {
     const State& s = mPanels[static_cast<int>(panel)];
     if (s.captured == nullptr) return Frame();
     Frame out = *s.captured;
-    Canvas canvas(out);
-    for (const auto& r : s.rects) {
-        canvas.outline(r.left, r.top, r.right, r.bottom, 1, {0, 0, 0});
-        canvas.outline(r.left, r.top, r.right, r.bottom, 2, {255, 255, 255});
-    }
+    RectMarks::draw(out, s.rects);
     return out;
 }
 

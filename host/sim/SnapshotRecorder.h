@@ -12,6 +12,8 @@
 #include <mutex>
 #include <vector>
 
+#include "RectMarks.h"
+
 namespace cwbsim {
 
 class SnapshotRecorder {
@@ -28,11 +30,11 @@ class SnapshotRecorder {
                   std::shared_ptr<const host::device::Frame> frame);
     void expectOutcome(Outcome outcome);
     // A rectangle in capture-buffer pixels that a request asked of the panel.
-    void addRect(host::device::PanelId panel, const aidl::vendor::zarel::hardware::cwb::Rect& r);
+    void addMark(host::device::PanelId panel, Mark mark);
 
     bool hasCapture(host::device::PanelId panel) const;
     size_t rectCount(host::device::PanelId panel) const;
-    // The captured picture with every rectangle asked since outlined in black and white.
+    // The captured picture with every rectangle asked since marked (RectMarks).
     host::device::Frame picture(host::device::PanelId panel) const;
 
   private:
@@ -40,7 +42,9 @@ class SnapshotRecorder {
         std::shared_ptr<const host::device::Frame> mixer;
         std::shared_ptr<const host::device::Frame> post;
         std::shared_ptr<const host::device::Frame> captured;
-        std::vector<aidl::vendor::zarel::hardware::cwb::Rect> rects;
+        std::shared_ptr<const host::device::Frame> capturedFrom;        // the output it showed
+        decltype(host::device::WritebackRequest::rect) capturedRect{};  // region, or all zero
+        std::vector<Mark> rects;
     };
 
     void onRequest(const host::device::WritebackRequest& request);

@@ -214,6 +214,12 @@ void TablePrinter::printLog(char priority, const std::string& tag, const std::st
          << '\n';
 }
 
+void TablePrinter::printExpect(int line, bool same, const std::string& note) {
+    header();
+    row(std::to_string(line), same ? "expect: as on the device" : "expect: DIFFERS from the device",
+        "", "", {note});
+}
+
 void TablePrinter::printNote(const std::string& text) {
     mOut << text << '\n';
 }

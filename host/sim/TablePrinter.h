@@ -21,6 +21,7 @@ class TablePrinter : public Printer {
     void printCommand(int line, const std::string& text, const std::string& note) override;
     void printCall(const CallRecord& record) override;
     void printEvent(const std::string& client, bool status) override;
+    void printExpect(int line, bool same, const std::string& note) override;
     void printLog(char priority, const std::string& tag, const std::string& text) override;
     void printNote(const std::string& text) override;
 

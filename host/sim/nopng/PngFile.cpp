@@ -25,4 +25,10 @@ bool PngFile::write(const std::string& path, const host::device::Frame& frame, s
     return false;
 }
 
+bool PngFile::encode(const host::device::Frame& frame, std::vector<uint8_t>* out,
+                     std::string* error) {
+    *error = std::string("cannot encode PNG") + kUnavailable;
+    return false;
+}
+
 }  // namespace cwbsim

@@ -1,6 +1,7 @@
 #include "CwbMain.h"
 
 #include <aidl/vendor/zarel/hardware/cwb/ICwbService.h>
+#include <android/binder_ibinder.h>
 #include <android/binder_manager.h>
 #include <android/binder_process.h>
 
@@ -32,6 +33,7 @@ struct Options {
     bool json = false;
     bool wait = false;
     bool help = false;
+    bool session = false;  // dump --session
     int64_t watchHz = 0;
     int64_t count = 0;  // 0: not given
     int64_t timeoutMs = 1000;
@@ -50,6 +52,7 @@ std::string usage() {
            "  --timeout MS  how long registerCallback waits for its notifications (default 1000)\n"
            "Sub-commands:\n" +
            CwbRequest::usage() +
+           "  dump [--session]   what dumpsys prints; --session: as a cwb-sim session to replay\n" +
            "Exit status: 0 ran, 1 could not be done (e.g. no service), 2 malformed arguments.\n";
 }
 
@@ -87,6 +90,8 @@ bool parseOptions(int argc, char** argv, Options* o, std::string* error) {
             o->help = true;
         } else if (a == "--json") {
             o->json = true;
+        } else if (a == "--session") {
+            o->session = true;
         } else if (a == "--wait") {
             o->wait = true;
         } else if (a == "--watch") {
@@ -175,8 +180,17 @@ int cwbMain(int argc, char** argv, FILE* out, FILE* err) {
         fputs(usage().c_str(), out);
         return kRan;
     }
+    const bool dump = !o.words.empty() && o.words[0] == "dump";
+    if (o.session && !dump) {
+        fprintf(err, "cwb: --session is an option of dump\n");
+        return kBadArguments;
+    }
     CwbRequest request;
-    if (!request.parse(o.words, &error)) {
+    if (dump && o.words.size() > 1) {
+        fprintf(err, "cwb: dump takes no argument (cwb --help shows the usage)\n");
+        return kBadArguments;
+    }
+    if (!dump && !request.parse(o.words, &error)) {
         fprintf(err, "cwb: %s (cwb --help shows the usage)\n", error.c_str());
         return kBadArguments;
     }
@@ -200,6 +214,13 @@ int cwbMain(int argc, char** argv, FILE* out, FILE* err) {
         return kNotDone;
     }
 
+    if (dump) {
+        const char* args[] = {"--session"};
+        fflush(out);
+        return AIBinder_dump(binder.get(), fileno(out), args, o.session ? 1 : 0) == STATUS_OK
+                       ? kRan
+                       : kNotDone;
+    }
     ReplyPrinter printer(out, o.json, o.watchHz != 0);
     if (callback) return callbacks(*service, o, request.method(), printer);
 

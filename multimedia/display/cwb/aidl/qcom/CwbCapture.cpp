@@ -344,6 +344,7 @@ bool CwbService::checkInputRect(int32_t displayId, const Rect& in, Rect& out) {
 // ---- Cache validity ----
 
 void CwbService::invalidCache() {
+    mStats.event(CwbStats::Event::invalidCache, 0, {});
     std::lock_guard<std::mutex> lock(mLayerChangeMutex);
     mBufferCacheValid = false;
     mScreenCountReached = false;

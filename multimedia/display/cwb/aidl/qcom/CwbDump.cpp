@@ -1,8 +1,11 @@
 // dumpsys output: settings, state, display configurations, capture buffers, caches and the
 // request statistics. A capture in flight holds the request lock for up to a second; dump waits
-// for it a few milliseconds at most and otherwise leaves out what that lock guards.
+// for it a few milliseconds at most and otherwise leaves out what that lock guards. With
+// "--session" it prints what the service has seen as a cwb-sim session instead, so that a field
+// report can be played again on a desk.
 #define LOG_TAG "CwbService"
 
+#include <cutils/properties.h>
 #include <unistd.h>
 #include <utils/Timers.h>
 
@@ -11,6 +14,8 @@
 #include <chrono>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <string>
 
 #include "CwbService.h"
@@ -49,6 +54,40 @@ void appendBuffer(std::string* out, const char* name, const CwbBufferInfo& info)
                  static_cast<unsigned long long>(info.size), info.format);
 }
 
+// The settings the constructor reads; read-only properties, so reading them again gives the same.
+constexpr const char* kSettings[] = {
+        "rotate",           "rotate_main",   "rotate_sec", "postprocess",    "roi",
+        "aod_forbidden",    "fod_forbidden", "display_id", "display_id_sec", "ct_range",
+        "apl_read_support",
+};
+
+// WxH@HZ with the rate written precisely enough that cwb-sim gets the same vsync period back.
+template <typename Attributes>
+void appendPanel(std::string* out, const char* name, const std::vector<Attributes>& configs) {
+    appendf<64>(out, "panel %s", name);
+    if (configs.empty()) out->append(" none");
+    for (const Attributes& c : configs) {
+        const double hz = c.vsyncPeriod > 0 ? 1e9 / c.vsyncPeriod : 60.0;
+        char rate[32] = "60";
+        for (int digits = 2; digits <= 17; ++digits) {
+            snprintf(rate, sizeof(rate), "%.*g", digits, hz);
+            if (static_cast<int32_t>(1e9 / strtod(rate, nullptr)) == c.vsyncPeriod) break;
+        }
+        appendf<96>(out, " %dx%d@%s", c.xRes, c.yRes, rate);
+    }
+    out->append("\n");
+}
+
+void appendWeights(std::string* out, const char* panel, int32_t count,
+                   const std::vector<int32_t>& weights) {
+    if (count == 0 && weights.empty()) return;
+    appendf<96>(out, "file weights %s json {\"count\":%d,\"Weights\":[", panel, count);
+    for (size_t i = 0; i < weights.size(); ++i) {
+        appendf<16>(out, "%s%d", i == 0 ? "" : ",", weights[i]);
+    }
+    out->append("]}\n");
+}
+
 bool writeAll(int fd, const std::string& text) {
     size_t done = 0;
     while (done < text.size()) {
@@ -62,7 +101,12 @@ bool writeAll(int fd, const std::string& text) {
 
 }  // namespace
 
-binder_status_t CwbService::dump(int fd, const char** /*args*/, uint32_t /*numArgs*/) {
+binder_status_t CwbService::dump(int fd, const char** args, uint32_t numArgs) {
+    for (uint32_t i = 0; i < numArgs; ++i) {
+        if (args[i] != nullptr && strcmp(args[i], "--session") == 0) {
+            return writeAll(fd, sessionDump()) ? STATUS_OK : STATUS_UNKNOWN_ERROR;
+        }
+    }
     const nsecs_t now = systemTime(SYSTEM_TIME_MONOTONIC);
     std::string out;
     appendf<512>(&out, "%s/default, interface version %d\n", ICwbService::descriptor,
@@ -153,6 +197,82 @@ binder_status_t CwbService::dump(int fd, const char** /*args*/, uint32_t /*numAr
 
     mStats.print(&out, now);
     return writeAll(fd, out) ? STATUS_OK : STATUS_UNKNOWN_ERROR;
+}
+
+std::string CwbService::sessionDump() {
+    std::string out;
+    out.append("# cwb-sim session from ").append(ICwbService::descriptor);
+    out.append(
+            "/default: the settings it read, both displays and what it was last asked, each\n"
+            "# answer as the device gave it (expect). Play it with a screenshot of the moment:\n"
+            "#   cwb-sim SESSION --frame SCREENSHOT.png\n");
+    for (const char* setting : kSettings) {
+        const std::string name = std::string("ro.vendor.zarel.display.cwb.") + setting;
+        char value[PROPERTY_VALUE_MAX] = {};
+        if (property_get(name.c_str(), value, "") > 0) {
+            appendf<256>(&out, "prop %s %s\n", name.c_str(), value);
+        }
+    }
+    const bool configs = mConfigInitialized;
+    if (configs) {
+        appendPanel(&out, "main", mConfigs);
+        appendPanel(&out, "sec", mConfigsSec);
+    } else {
+        out.append("# display configurations not read yet: the simulator's panels apply\n");
+    }
+    appendWeights(&out, "main", weightspos_count, weightspos);
+    appendWeights(&out, "sec", weightspos_count_sec, weightspos_sec);
+    out.append("boot\n");
+
+    // The state before the oldest kept event: as the oldest event of each kind found it, or as
+    // it is now where no event of that kind is kept.
+    CwbStats::Record records[CwbStats::kHistory];
+    const size_t n = mStats.history(records, CwbStats::kHistory);
+    auto oldest = [&](CwbStats::Event event) -> const CwbStats::Record* {
+        for (size_t k = n; k-- > 0;) {
+            if (records[k].method == CwbStats::kEventBase + static_cast<int32_t>(event)) {
+                return &records[k];
+            }
+        }
+        return nullptr;
+    };
+    const CwbStats::Record* power = oldest(CwbStats::Event::setPowerMode);
+    const int32_t powerMain = power != nullptr ? power->values[1] : mPowerModeMain.load();
+    const int32_t powerSec = power != nullptr ? power->values[2] : mPowerModeSec.load();
+    const bool colours = oldest(CwbStats::Event::notifyColorModeChange) == nullptr;
+    const bool active = oldest(CwbStats::Event::notifyConfigChange) == nullptr;
+    const struct {
+        int32_t display;
+        int32_t power;
+        uint32_t config;
+        int32_t mode;
+        int32_t intent;
+    } displays[] = {
+            {mDisplayIdMain, powerMain, mActiveConfig, mColorModeMain, mRenderIntentMain},
+            {mDisplayIdSec, powerSec, mActiveConfigSec, mColorModeSec, mRenderIntentSec},
+    };
+    for (const auto& d : displays) {
+        if (d.display == kNoDisplay) continue;
+        if (configs && active && d.config != 0) {
+            appendf<96>(&out, "host notifyConfigChange %d %u\n", d.display, d.config);
+        }
+        if (d.power != kPowerOff)
+            appendf<96>(&out, "host setPowerMode %d %d\n", d.display, d.power);
+        if (colours && (d.mode != kColorModeNative || d.intent != 0)) {
+            appendf<96>(&out, "host notifyColorModeChange %d %d %d\n", d.display, d.mode, d.intent);
+        }
+    }
+    if (oldest(CwbStats::Event::aodLayerExist) == nullptr && mAodLayerExist) {
+        out.append("host aodLayerExist 1\n");
+    }
+    if (oldest(CwbStats::Event::fodLayerExist) == nullptr && mFodLayerExist) {
+        out.append("host fodLayerExist 1\n");
+    }
+    if (oldest(CwbStats::Event::updateCwbStatus) == nullptr && !mCwbStatus) {
+        out.append("host updateCwbStatus 0\n");
+    }
+    mStats.printSession(&out);
+    return out;
 }
 
 }  // namespace aidl::vendor::zarel::hardware::cwb::implementation

@@ -46,6 +46,7 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
                                            std::vector<int32_t>* values, Error* _aidl_return) {
     // No result word: a feature id without a branch leaves it unset. The nested request has one.
     CwbStats::Request request(mStats, CwbStats::Method::getCwbValue, &rect, nullptr, featureId);
+    request.watch(values);
     if (featureId < kFeatureIdFirst || featureId > kFeatureIdLast) {
         ALOGE("%s error ID = %d", "getCwbValue", featureId);
         *_aidl_return = Error::INVALID_ARGUMENT;
@@ -285,6 +286,7 @@ ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect
                                              Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::getSharedData, &rect, _aidl_return,
                               featureId);
+    request.watch(values);
     std::lock_guard<std::mutex> lock(mSharedMemoryMutex);
     if (mDebugLog) ALOGD("MORVIK_AI::CwbService::getSharedData-in_FeatureId = %d", featureId);
     const int32_t displayId = mDisplayId;
@@ -418,6 +420,7 @@ int CwbService::getAiBufferFromCwb(int /*id*/, const Rect& rect, int bufferSize,
 ndk::ScopedAStatus CwbService::getScreenResolution(int32_t /*id*/, std::vector<int32_t>* values,
                                                    Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::getScreenResolution, nullptr, _aidl_return);
+    request.watch(values);
     int32_t height = 0;
     int32_t width = 0;
     {

@@ -229,6 +229,7 @@ void CwbService::notifyCwbStatus() {
 
 void CwbService::updateCwbStatus(bool status) {
     ALOGE("CwbService::updateCwbStatus: %d", status);
+    mStats.event(CwbStats::Event::updateCwbStatus, 0, {status ? 1 : 0});
     mCwbStatus = status;
     notifyCwbStatus();
 }
@@ -256,6 +257,7 @@ ndk::ScopedAStatus CwbService::switchCwb(bool enabled, bool* _aidl_return) {
 
 ndk::ScopedAStatus CwbService::setDebug(const std::vector<int32_t>& debug, Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::setDebug, nullptr, _aidl_return);
+    request.watch(&debug);
     if (debug.size() >= 1 && debug[0] != -1) mDebugLog = debug[0] > 0;
     if (debug.size() >= 2 && debug[1] != -1) mDump = debug[1] > 0;
     if (debug.size() >= 3 && debug[2] != -1) {
@@ -277,7 +279,7 @@ ndk::ScopedAStatus CwbService::getCwbPostProcessStatus(bool* _aidl_return) {
 
 ndk::ScopedAStatus CwbService::setCwbPostProcessStatus(bool status, Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::setCwbPostProcessStatus, nullptr,
-                              _aidl_return);
+                              _aidl_return, status ? 1 : 0);
     mPostProcess = status;
     *_aidl_return = Error::NONE;
     return ndk::ScopedAStatus::ok();
@@ -400,6 +402,8 @@ void CwbService::notifyConfigChange(uint64_t display, uint32_t config) {
     ALOGI("CwbService::notifyConfigChange: display:%d, config:%d size:%d, sec.size():%d",
           static_cast<int>(display), static_cast<int>(config), static_cast<int>(mainSize),
           static_cast<int>(secSize));
+    mStats.event(CwbStats::Event::notifyConfigChange, static_cast<int64_t>(display),
+                 {static_cast<int32_t>(config)});
     if (matchesMain(display)) {
         if (mainSize != 0 && mainSize <= config) config %= mainSize;
         mActiveConfig = config;
@@ -439,6 +443,8 @@ void CwbService::getResolution(uint32_t& width, uint32_t& height) {
 // ---- Power, colour mode and overlay-layer state ----
 
 void CwbService::setPowerMode(uint64_t display, int mode) {
+    mStats.event(CwbStats::Event::setPowerMode, static_cast<int64_t>(display),
+                 {mode, mPowerModeMain.load(), mPowerModeSec.load()});
     if (matchesMain(display)) {
         ALOGI("CwbService::setPowerMode(): display %d, mode: %d", static_cast<int>(display), mode);
         mPowerModeMain = mode;
@@ -457,6 +463,8 @@ void CwbService::setPowerMode(uint64_t display, int mode) {
 }
 
 void CwbService::notifyColorModeChange(uint64_t display, int mode, int intent) {
+    mStats.event(CwbStats::Event::notifyColorModeChange, static_cast<int64_t>(display),
+                 {mode, intent});
     if (mDisablePostProcessed) return;
     if (matchesMain(display)) {
         ALOGI("CwbService::notifyColorModeChange: display: %d, mode = %d, render intent = %d",
@@ -473,10 +481,12 @@ void CwbService::notifyColorModeChange(uint64_t display, int mode, int intent) {
 }
 
 void CwbService::aodLayerExist(bool exist) {
+    mStats.event(CwbStats::Event::aodLayerExist, 0, {exist ? 1 : 0});
     mAodLayerExist = exist;
 }
 
 void CwbService::fodLayerExist(bool exist) {
+    mStats.event(CwbStats::Event::fodLayerExist, 0, {exist ? 1 : 0});
     if (mFodLayerExist.exchange(exist) == exist) return;
     if (mFodForbidden) notifyCwbStatus();
 }

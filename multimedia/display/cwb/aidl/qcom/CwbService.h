@@ -148,6 +148,8 @@ class CwbService : public BnCwbService,
     ndk::ScopedAStatus releaseSharedMemory(int32_t id, int32_t flags, Error* _aidl_return) override;
     // dumpsys: never waits behind a capture in flight for more than a few milliseconds.
     binder_status_t dump(int fd, const char** args, uint32_t numArgs) override;
+    // dump() with "--session": what the service has seen, as a cwb-sim session.
+    std::string sessionDump();
 
     // Writeback completions: the AIDL callback object and the vendor's legacy callback. Under
     // mCwbMutex; a completion nobody waits for is dropped.

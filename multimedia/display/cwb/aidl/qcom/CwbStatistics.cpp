@@ -127,6 +127,7 @@ int32_t CwbService::analyse(int32_t displayId, const Rect& rect, const AnalysisK
 
 ndk::ScopedAStatus CwbService::getRGBValue(const Rect& rect, Rgb* rgb, Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::getRGBValue, &rect, _aidl_return);
+    request.watch(rgb);
     return getRGBValue(mDisplayId, rect, rgb, _aidl_return);
 }
 
@@ -286,6 +287,7 @@ void CwbService::calcPixelsRGB(void* buffer, unsigned int stride, Rect rect,
 ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float>* lumas,
                                              Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::getLumasValue, &rect, _aidl_return);
+    request.watch(lumas);
     float luma = 0.0f;
     *_aidl_return = lumaRequest(mDisplayId, rect, &luma);
     lumas->push_back(luma);
@@ -335,6 +337,7 @@ float CwbService::calcPixelsLumas(void* buffer, unsigned int stride, Rect rect) 
 ndk::ScopedAStatus CwbService::getHistogramValue(const Rect& rect, Histogram* histogram,
                                                  Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::getHistogramValue, &rect, _aidl_return);
+    request.watch(histogram);
     return getHistogramValue(mDisplayId, rect, histogram, _aidl_return);
 }
 
