@@ -1,6 +1,7 @@
 #include "SessionRunner.h"
 
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <android/binder_manager.h>
 #include <cutils/properties.h>
 #include <host/binder_registry.h>
