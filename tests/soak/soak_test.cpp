@@ -6,6 +6,7 @@
 // CWB_SOAK_SECONDS sets the duration (default 5); tools/soak.sh runs it longer under sanitizers.
 #include <CwbProxy.h>
 #include <CwbService.h>
+#include <CwbServiceTestPeer.h>
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 #include <android/binder_status.h>
 #include <device/Composer.h>
@@ -41,6 +42,7 @@ using aidl::vendor::zarel::hardware::cwb::Histogram;
 using aidl::vendor::zarel::hardware::cwb::Rect;
 using aidl::vendor::zarel::hardware::cwb::Rgb;
 using aidl::vendor::zarel::hardware::cwb::implementation::CwbService;
+using aidl::vendor::zarel::hardware::cwb::implementation::CwbServiceTestPeer;
 using host::device::Frame;
 using host::device::FrameKind;
 using host::device::PanelId;
@@ -382,23 +384,35 @@ void runLoad(Soak& soak, double seconds, std::array<Tally, kClients>& tallies) {
     for (std::thread& t : threads) t.join();
 }
 
+// The quiet state in which resources are counted: no shared region and no capture buffer, for
+// whichever displays the load happened to capture (a first secondary capture may come late).
+void quiesce(Soak& soak) {
+    Error ignored;
+    soak.service->releaseSharedMemory(0, 0, &ignored);
+    CwbServiceTestPeer peer(*soak.service);
+    const int32_t selected = peer.displayId();
+    for (int32_t display : {0, 3}) {
+        peer.setDisplayId(display);
+        soak.service->destroyCwbBuffer();
+    }
+    peer.setDisplayId(selected);
+}
+
 TEST(SoakTest, ClientsEventsAndFaultsTogether) {
     const double seconds = soakSeconds();
     Soak soak;
     ASSERT_NE(nullptr, soak.service);
     std::array<Tally, kClients> tallies;
 
-    // Resources are counted with the load stopped and the shared region released, after a
-    // warm-up (lazily made threads, arenas, capture buffers) and at the end: the same quiet
-    // state, so any difference is what the run left behind.
+    // Resources are counted with the load stopped, after a warm-up (lazily made threads, arenas)
+    // and at the end: the same quiet state, so any difference is what the run left behind.
     const double warmSeconds = std::max(1.0, seconds / 4);
-    Error ignored;
     runLoad(soak, warmSeconds, tallies);
-    soak.service->releaseSharedMemory(0, 0, &ignored);
+    quiesce(soak);
     const size_t warmRss = residentBytes();
     const cwbtest::ProcessResources warm = cwbtest::ProcessResources::now();
     runLoad(soak, std::max(1.0, seconds - warmSeconds), tallies);
-    soak.service->releaseSharedMemory(0, 0, &ignored);
+    quiesce(soak);
     const size_t endRss = residentBytes();
     const cwbtest::ProcessResources end = cwbtest::ProcessResources::settled(warm);
 
