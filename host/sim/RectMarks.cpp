@@ -68,8 +68,10 @@ void RectMarks::heatMap(Frame& frame, const Mark& mark, Pixel colour) {
     const Rect& r = mark.buffer;
     const int w = r.right - r.left, h = r.bottom - r.top;
     if (w <= 0 || h <= 0 || mark.weights.size() < static_cast<size_t>(w) * h) return;
-    const auto [lo, hi] = std::minmax_element(mark.weights.begin(), mark.weights.end());
-    auto level = [&](int32_t v) { return *hi == *lo ? 1.0 : double(v - *lo) / double(*hi - *lo); };
+    // Plain values, not a structured binding: lambdas may not capture those before C++20.
+    const auto range = std::minmax_element(mark.weights.begin(), mark.weights.end());
+    const int32_t lo = *range.first, hi = *range.second;
+    auto level = [&](int32_t v) { return hi == lo ? 1.0 : double(v - lo) / double(hi - lo); };
     for (int y = 0; y < h; ++y) {
         for (int x = 0; x < w; ++x) {
             frame.setPixel(r.left + x, r.top + y, heat(level(mark.weights[y * w + x])));
@@ -95,7 +97,7 @@ void RectMarks::heatMap(Frame& frame, const Mark& mark, Pixel colour) {
     for (int x = 0; x < scaleW; ++x) {
         frame.fillRect(x0 + x, sy, x0 + x + 1, sy + 12, heat(double(x) / (scaleW - 1)));
     }
-    const std::string low = std::to_string(*lo), high = std::to_string(*hi);
+    const std::string low = std::to_string(lo), high = std::to_string(hi);
     canvas.text(x0, sy + 18, low, kFont, {230, 230, 230});
     canvas.text(x0 + scaleW - Canvas::textWidth(high, kFont), sy + 18, high, kFont,
                 {230, 230, 230});
