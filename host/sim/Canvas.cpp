@@ -39,16 +39,16 @@ const uint8_t* glyph(char c) {
     return kBlank;
 }
 
-}  // namespace
-
-void Canvas::line(int x0, int y0, int x1, int y1, host::device::Pixel colour) {
+// Bresenham from (x0, y0) to (x1, y1), both ends included; plot(x, y) for each point.
+template <typename Plot>
+void walkLine(int x0, int y0, int x1, int y1, Plot plot) {
     const int dx = std::abs(x1 - x0);
     const int dy = -std::abs(y1 - y0);
     const int sx = x0 < x1 ? 1 : -1;
     const int sy = y0 < y1 ? 1 : -1;
     int err = dx + dy;
     while (true) {
-        mFrame.setPixel(x0, y0, colour);
+        plot(x0, y0);
         if (x0 == x1 && y0 == y1) break;
         const int e2 = 2 * err;
         if (e2 >= dy) {
@@ -62,6 +62,12 @@ void Canvas::line(int x0, int y0, int x1, int y1, host::device::Pixel colour) {
     }
 }
 
+}  // namespace
+
+void Canvas::line(int x0, int y0, int x1, int y1, host::device::Pixel colour) {
+    walkLine(x0, y0, x1, y1, [&](int x, int y) { mFrame.setPixel(x, y, colour); });
+}
+
 void Canvas::addLine(int x0, int y0, int x1, int y1, int width, host::device::Pixel colour) {
     auto add = [&](int x, int y) {
         if (x < 0 || y < 0 || x >= mFrame.width || y >= mFrame.height) return;
@@ -69,25 +75,10 @@ void Canvas::addLine(int x0, int y0, int x1, int y1, int width, host::device::Pi
         mFrame.setPixel(
                 x, y, {std::max(p.r, colour.r), std::max(p.g, colour.g), std::max(p.b, colour.b)});
     };
-    // Bresenham, each point widened downwards; a point met twice adds nothing new.
-    const int dx = std::abs(x1 - x0);
-    const int dy = -std::abs(y1 - y0);
-    const int sx = x0 < x1 ? 1 : -1;
-    const int sy = y0 < y1 ? 1 : -1;
-    int err = dx + dy;
-    while (true) {
-        for (int d = 0; d < width; ++d) add(x0, y0 + d);
-        if (x0 == x1 && y0 == y1) break;
-        const int e2 = 2 * err;
-        if (e2 >= dy) {
-            err += dy;
-            x0 += sx;
-        }
-        if (e2 <= dx) {
-            err += dx;
-            y0 += sy;
-        }
-    }
+    // Each point widened downwards; a point met twice adds nothing new.
+    walkLine(x0, y0, x1, y1, [&](int x, int y) {
+        for (int d = 0; d < width; ++d) add(x, y + d);
+    });
 }
 
 void Canvas::outline(int left, int top, int right, int bottom, int gap,

@@ -30,6 +30,20 @@ bool begin(const std::string& path, png_image* image, std::string* error) {
     return true;
 }
 
+// The libpng image header of an RGB frame; false for a frame with no pixels or a wrong size.
+bool describe(const host::device::Frame& frame, png_image* image) {
+    if (frame.width <= 0 || frame.height <= 0 ||
+        frame.rgb.size() != static_cast<size_t>(frame.width) * frame.height * 3) {
+        return false;
+    }
+    memset(image, 0, sizeof(*image));
+    image->version = PNG_IMAGE_VERSION;
+    image->width = static_cast<png_uint_32>(frame.width);
+    image->height = static_cast<png_uint_32>(frame.height);
+    image->format = PNG_FORMAT_RGB;
+    return true;
+}
+
 }  // namespace
 
 bool PngFile::size(const std::string& path, int* width, int* height, std::string* error) {
@@ -68,17 +82,11 @@ bool PngFile::read(const std::string& path, host::device::Frame* out, std::strin
 }
 
 bool PngFile::write(const std::string& path, const host::device::Frame& frame, std::string* error) {
-    if (frame.width <= 0 || frame.height <= 0 ||
-        frame.rgb.size() != static_cast<size_t>(frame.width) * frame.height * 3) {
+    png_image image;
+    if (!describe(frame, &image)) {
         *error = "nothing to write to " + path;
         return false;
     }
-    png_image image;
-    memset(&image, 0, sizeof(image));
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(frame.width);
-    image.height = static_cast<png_uint_32>(frame.height);
-    image.format = PNG_FORMAT_RGB;
     if (png_image_write_to_file(&image, path.c_str(), 0, frame.rgb.data(), 0, nullptr) == 0) {
         *error = "cannot write PNG " + path + ": " + image.message;
         png_image_free(&image);
@@ -90,17 +98,11 @@ bool PngFile::write(const std::string& path, const host::device::Frame& frame, s
 
 bool PngFile::encode(const host::device::Frame& frame, std::vector<uint8_t>* out,
                      std::string* error) {
-    if (frame.width <= 0 || frame.height <= 0 ||
-        frame.rgb.size() != static_cast<size_t>(frame.width) * frame.height * 3) {
+    png_image image;
+    if (!describe(frame, &image)) {
         *error = "nothing to encode";
         return false;
     }
-    png_image image;
-    memset(&image, 0, sizeof(image));
-    image.version = PNG_IMAGE_VERSION;
-    image.width = static_cast<png_uint_32>(frame.width);
-    image.height = static_cast<png_uint_32>(frame.height);
-    image.format = PNG_FORMAT_RGB;
     // The first call measures, the second writes.
     png_alloc_size_t size = 0;
     if (png_image_write_to_memory(&image, nullptr, &size, 0, frame.rgb.data(), 0, nullptr) == 0) {
