@@ -324,7 +324,7 @@ bool SessionRunner::call(const Command& c) {
     r.request = c.text;
     const std::string& m = c.verb;
     cwb::Error error = cwb::Error::NONE;
-    ndk::ScopedAStatus status;
+    ndk::ScopedAStatus status = ndk::ScopedAStatus::ok();
     if (m == "getRGBValue") {
         cwb::Rgb rgb;
         status = mClient->getRGBValue(c.rect, &rgb, &error);
