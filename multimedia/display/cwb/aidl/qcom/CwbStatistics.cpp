@@ -288,7 +288,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     CwbStats::Request request(mStats, CwbStats::Method::getLumasValue, &rect, _aidl_return);
     float luma = 0.0f;
     *_aidl_return = lumaRequest(mDisplayId, rect, &luma);
-    lumas->push_back(luma);
+    lumas->assign(1, luma);
     return ndk::ScopedAStatus::ok();
 }
 
