@@ -27,6 +27,16 @@ namespace {
 constexpr transaction_code_t kPingTransaction = ('_' << 24) | ('P' << 16) | ('N' << 8) | 'G';
 
 thread_local Process* tCurrent = nullptr;
+thread_local uint64_t tTransaction = 0;
+std::atomic<uint64_t> gSent{0};
+
+// Runs a transaction's dispatch under its number.
+binder_status_t numbered(uint64_t number, const std::function<binder_status_t()>& fn) {
+    const uint64_t outer = std::exchange(tTransaction, number);
+    const binder_status_t status = fn();
+    tTransaction = outer;
+    return status;
+}
 
 std::shared_ptr<Process>& mainHandle() {
     static auto* handle = new std::shared_ptr<Process>([] {
@@ -131,21 +141,42 @@ binder_status_t dispatch(AIBinder* local, transaction_code_t code, const AParcel
     return code == kPingTransaction ? STATUS_OK : STATUS_UNKNOWN_TRANSACTION;
 }
 
-void drainOneway(ndk::SpAIBinder node) {
+void postDrain(AIBinder* local);
+
+// One oneway call of a binder, then the binder queues behind the process's other work, as the
+// driver hands a node its next asynchronous transaction only after the last one is done.
+void drainOneway(const ndk::SpAIBinder& node) {
     AIBinder* local = node.get();
-    for (;;) {
-        std::function<void()> next;
-        {
-            std::lock_guard<std::mutex> lock(local->onewayMutex);
-            if (local->oneway.empty()) {
-                local->onewayRunning = false;
-                return;
-            }
-            next = std::move(local->oneway.front());
-            local->oneway.pop_front();
+    std::function<void()> next;
+    {
+        std::lock_guard<std::mutex> lock(local->onewayMutex);
+        if (local->oneway.empty()) {
+            local->onewayRunning = false;
+            return;
         }
-        next();
+        next = std::move(local->oneway.front());
+        local->oneway.pop_front();
     }
+    next();
+    {
+        std::lock_guard<std::mutex> lock(local->onewayMutex);
+        if (local->oneway.empty()) {
+            local->onewayRunning = false;
+            return;
+        }
+    }
+    postDrain(local);  // outside the lock: a dead process cancels at once, which takes it
+}
+
+void postDrain(AIBinder* local) {
+    AIBinder_incStrong(local);
+    ndk::SpAIBinder node(local);
+    local->process->post(Work{[node] { drainOneway(node); },
+                              [node] {
+                                  std::lock_guard<std::mutex> lock(node.get()->onewayMutex);
+                                  node.get()->oneway.clear();
+                                  node.get()->onewayRunning = false;
+                              }});
 }
 
 void postOneway(AIBinder* local, std::function<void()> call) {
@@ -155,14 +186,7 @@ void postOneway(AIBinder* local, std::function<void()> call) {
         if (local->onewayRunning) return;
         local->onewayRunning = true;
     }
-    AIBinder_incStrong(local);
-    ndk::SpAIBinder node(local);
-    local->process->post(Work{[node] { drainOneway(node); },
-                              [node] {
-                                  std::lock_guard<std::mutex> lock(node.get()->onewayMutex);
-                                  node.get()->oneway.clear();
-                                  node.get()->onewayRunning = false;
-                              }});
+    postDrain(local);
 }
 
 struct Registry {
@@ -389,6 +413,10 @@ bool waitIdle(Process& process, int timeoutMs) {
     return process.waitIdle(timeoutMs);
 }
 
+uint64_t currentTransaction() {
+    return tTransaction;
+}
+
 size_t poolThreads(const Process& process) {
     return const_cast<Process&>(process).threadCount();
 }
@@ -595,17 +623,23 @@ binder_status_t AIBinder_transact(AIBinder* binder, transaction_code_t code, APa
         *out = AParcel_create();
         AIBinder_incStrong(local);
         ndk::SpAIBinder node(local);
-        host::binder::postOneway(local, [node, received, code] {
+        const uint64_t number = ++host::binder::gSent;
+        host::binder::postOneway(local, [node, received, code, number] {
             AParcel reply;
             reply.process = node.get()->process;
-            host::binder::dispatch(node.get(), code, received.get(), &reply);
+            host::binder::numbered(number, [&] {
+                return host::binder::dispatch(node.get(), code, received.get(), &reply);
+            });
         });
         return STATUS_OK;
     }
     AParcel reply;
     reply.process = local->process;
+    const uint64_t number = ++host::binder::gSent;
     binder_status_t status = host::binder::callIn(local->process, [&] {
-        return host::binder::dispatch(local, code, received.get(), &reply);
+        return host::binder::numbered(number, [&] {
+            return host::binder::dispatch(local, code, received.get(), &reply);
+        });
     });
     received.reset();
     *out = host::binder::copyInto(reply, caller).release();

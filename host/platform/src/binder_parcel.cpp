@@ -110,8 +110,9 @@ binder_status_t readArray(const AParcel* parcel, void* arrayData, Allocator allo
 
 template <typename T>
 binder_status_t writeArray(AParcel* parcel, const T* data, int32_t length) {
+    // A null array is a length of -1; an empty one may come without storage.
     if (data == nullptr && length > 0) return STATUS_UNEXPECTED_NULL;
-    binder_status_t status = writeValue<int32_t>(parcel, data == nullptr ? -1 : length);
+    binder_status_t status = writeValue<int32_t>(parcel, length < 0 ? -1 : length);
     if (status != STATUS_OK || length <= 0) return status;
     return writeBytes(parcel, data, sizeof(T) * length);
 }

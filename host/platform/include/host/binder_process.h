@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -26,6 +27,9 @@ bool isAlive(const Process& process);
 // Waits until every binder thread of process is idle and its queues are empty; false after
 // timeoutMs. Lets a test wait for oneway calls and death notifications without sleeping.
 bool waitIdle(Process& process, int timeoutMs = 5000);
+// The number of the transaction the calling thread runs, 0 outside one. Transactions between
+// processes are numbered in the order they were sent, whichever thread runs them.
+uint64_t currentTransaction();
 // Threads a process's binder pool has started so far.
 size_t poolThreads(const Process& process);
 
