@@ -319,8 +319,10 @@ void Process::loop() {
 
 bool Process::waitIdle(int timeoutMs) {
     std::unique_lock<std::mutex> lock(mMutex);
-    return mChanged.wait_for(lock, std::chrono::milliseconds(timeoutMs),
-                             [&] { return mStopping || (mQueue.empty() && mBusy == 0); });
+    auto idle = [&] { return mStopping || (mQueue.empty() && mBusy == 0); };
+    if (timeoutMs >= 0) return mChanged.wait_for(lock, std::chrono::milliseconds(timeoutMs), idle);
+    mChanged.wait(lock, idle);  // under the manual clock a timed wait would not wait at all
+    return true;
 }
 
 void Process::stop() {

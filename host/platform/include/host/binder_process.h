@@ -25,7 +25,8 @@ const std::string& processName(const Process& process);
 void kill(Process& process);
 bool isAlive(const Process& process);
 // Waits until every binder thread of process is idle and its queues are empty; false after
-// timeoutMs. Lets a test wait for oneway calls and death notifications without sleeping.
+// timeoutMs (a negative one waits as long as it takes, for the manual clock). Lets a test wait
+// for oneway calls and death notifications without sleeping.
 bool waitIdle(Process& process, int timeoutMs = 5000);
 // The number of the transaction the calling thread runs, 0 outside one. Transactions between
 // processes are numbered in the order they were sent, whichever thread runs them.
