@@ -8,6 +8,7 @@
 #include <CwbService.h>
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 #include <android/binder_manager.h>
+#include <android/binder_process.h>
 #include <android/binder_status.h>
 #include <device/Composer.h>
 #include <device/Device.h>
@@ -113,6 +114,9 @@ class Soak {
         composer = std::make_unique<host::device::Composer>();
         EXPECT_EQ(0, composer->boot());
         service = composer->proxy().service();
+        // The composer's binder threads, all started: none appears later to count as a leak.
+        ABinderProcess_setThreadPoolMaxThreadCount(kClients);
+        ABinderProcess_startThreadPool();
         composer->powerMode(0, 2);
         composer->powerMode(3, 2);
     }

@@ -85,6 +85,8 @@ class Process {
     bool waitIdle(int timeoutMs);
     void stop();
     void setMaxThreads(size_t count);
+    // Starts every thread the pool may have; otherwise they start as work arrives.
+    void start();
     size_t threadCount();
 
     // Proxies held here, by the local binder they reach.

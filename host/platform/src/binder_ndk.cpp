@@ -352,6 +352,11 @@ void Process::setMaxThreads(size_t count) {
     mMaxThreads = count == 0 ? 1 : count;
 }
 
+void Process::start() {
+    std::lock_guard<std::mutex> lock(mMutex);
+    while (!mStopping && mThreads.size() < mMaxThreads) mThreads.emplace_back([this] { loop(); });
+}
+
 size_t Process::threadCount() {
     std::lock_guard<std::mutex> lock(mMutex);
     return mThreads.size();
@@ -731,4 +736,6 @@ bool ABinderProcess_setThreadPoolMaxThreadCount(uint32_t numThreads) {
     return true;
 }
 
-void ABinderProcess_startThreadPool() {}
+void ABinderProcess_startThreadPool() {
+    current()->start();
+}
