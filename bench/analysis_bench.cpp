@@ -15,9 +15,11 @@
 #include <CwbServiceTestPeer.h>
 #include <GammaTable.h>
 #include <PixelKernels.h>
+#include <android/binder_manager.h>
 #include <benchmark/benchmark.h>
 #include <device/Composer.h>
 #include <device/Device.h>
+#include <host/binder_process.h>
 #include <host/properties.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -34,6 +36,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,6 +46,7 @@ namespace {
 namespace impl = aidl::vendor::zarel::hardware::cwb::implementation;
 using aidl::vendor::zarel::hardware::cwb::Error;
 using aidl::vendor::zarel::hardware::cwb::Histogram;
+using aidl::vendor::zarel::hardware::cwb::ICwbService;
 using aidl::vendor::zarel::hardware::cwb::Rect;
 using aidl::vendor::zarel::hardware::cwb::Rgb;
 using impl::PixelRect;
@@ -367,6 +371,9 @@ struct Phone {
         Error ignored;
         service->initializeSharedMemory(0, kRegionBytes, ndk::ScopedFileDescriptor(dup(region)),
                                         &ignored);
+        host::binder::ProcessScope in(client);
+        proxy = ICwbService::fromBinder(ndk::SpAIBinder(
+                AServiceManager_checkService("vendor.zarel.hardware.cwb.ICwbService/default")));
     }
     // A fresh capture for the next request: the cache emptied, the 50 ms spacing waited out.
     void readyForCapture() {
@@ -380,6 +387,8 @@ struct Phone {
     std::unique_ptr<host::device::Device> device;
     std::unique_ptr<host::device::Composer> composer;
     std::shared_ptr<impl::CwbService> service;
+    std::shared_ptr<host::binder::Process> client = host::binder::newProcess("bench client");
+    std::shared_ptr<ICwbService> proxy;
     int region = -1;
 };
 
@@ -400,65 +409,83 @@ Rect toRect(const Area& a) {
 struct RequestFigure {
     const char* name;
     bool capture;  // each timed request needs a new capture
-    std::function<bool(impl::CwbService&, const Rect&)> call;
+    std::function<bool(ICwbService&, const Rect&)> call;
+    bool proxy = false;  // called through the proxy of a client process
 };
 
 std::vector<RequestFigure> requestFigures() {
     return {
             {"request/getRGBValue", true,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  Rgb out;
                  Error e = Error::FAILED;
                  s.getRGBValue(r, &out, &e);
                  return (static_cast<int32_t>(e) & 0xFFFF) == 0;
              }},
             {"request/getLumasValue", true,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  std::vector<float> out;
                  Error e = Error::FAILED;
                  s.getLumasValue(r, &out, &e);
                  return e == Error::NONE;
              }},
             {"request/getHistogramValue", true,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  Histogram out;
                  Error e = Error::FAILED;
                  s.getHistogramValue(r, &out, &e);
                  return e == Error::NONE;
              }},
             {"request/getCwbValue1", true,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  std::vector<int32_t> out;
                  Error e = Error::FAILED;
                  s.getCwbValue(1, r, &out, &e);
                  return (static_cast<int32_t>(e) & 0xFFFF) == 0;
              }},
             {"request/getCwbValue2", true,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  std::vector<int32_t> out;
                  Error e = Error::FAILED;
                  s.getCwbValue(2, r, &out, &e);
                  return e == Error::NONE;
              }},
             {"request/getSharedData5", false,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  std::vector<int32_t> out;
                  Error e = Error::FAILED;
                  s.getSharedData(5, r, ndk::ScopedFileDescriptor(), Phone::kRegionBytes, &out, &e);
                  return e == Error::NONE;
              }},
             {"request/getRGBValue_cached", false,
-             [](impl::CwbService& s, const Rect& r) {
+             [](ICwbService& s, const Rect& r) {
                  Rgb out;
                  Error e = Error::FAILED;
                  s.getRGBValue(r, &out, &e);
                  return (static_cast<int32_t>(e) & 0xFFFF) == 0;
              }},
             {"request/invalidCache", false,
-             [](impl::CwbService& s, const Rect&) {
-                 s.invalidCache();
+             [](ICwbService&, const Rect&) {
+                 phone().service->invalidCache();
                  return true;
              }},
+            // Through the generated proxy from a client process: what the binder adds.
+            {"request/getRGBValue_cached_proxy", false,
+             [](ICwbService& s, const Rect& r) {
+                 Rgb out;
+                 Error e = Error::FAILED;
+                 s.getRGBValue(r, &out, &e);
+                 return (static_cast<int32_t>(e) & 0xFFFF) == 0;
+             },
+             true},
+            {"request/getHistogramValue_proxy", true,
+             [](ICwbService& s, const Rect& r) {
+                 Histogram out;
+                 Error e = Error::FAILED;
+                 s.getHistogramValue(r, &out, &e);
+                 return e == Error::NONE;
+             },
+             true},
     };
 }
 
@@ -476,7 +503,10 @@ void runRequest(benchmark::State& state, const RequestFigure& f, const Area& a) 
     Rgb rgb;
     Error e;
     p.service->getRGBValue(r, &rgb, &e);
-    if (!f.capture && !f.call(*p.service, r)) {
+    ICwbService& target = f.proxy ? *p.proxy : *p.service;
+    std::optional<host::binder::ProcessScope> in;
+    if (f.proxy) in.emplace(p.client);
+    if (!f.capture && !f.call(target, r)) {
         state.SkipWithError("request failed");
         return;
     }
@@ -485,7 +515,7 @@ void runRequest(benchmark::State& state, const RequestFigure& f, const Area& a) 
         if (f.capture) p.readyForCapture();
         const double cpuStart = threadCpuSeconds();
         const auto start = std::chrono::steady_clock::now();
-        const bool ok = f.call(*p.service, r);
+        const bool ok = f.call(target, r);
         const auto end = std::chrono::steady_clock::now();
         threadCpu += threadCpuSeconds() - cpuStart;
         state.SetIterationTime(std::chrono::duration<double>(end - start).count());

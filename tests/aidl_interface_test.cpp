@@ -213,9 +213,8 @@ TEST_F(AidlBinderTest, ObjectsAnswerOnlyAsTheirOwnInterface) {
     EXPECT_EQ(ICwbService::fromBinder(service->asBinder()), service);
     EXPECT_EQ(ICwbCallback::fromBinder(service->asBinder()), nullptr);
     EXPECT_EQ(ICwbCallback::fromBinder(ndk::SpAIBinder()), nullptr);
-    EXPECT_EQ(std::string(binder.get()->descriptor), "vendor.zarel.hardware.cwb.ICwbCallback");
-    EXPECT_EQ(std::string(service->asBinder().get()->descriptor),
-              "vendor.zarel.hardware.cwb.ICwbService");
+    EXPECT_STREQ(AIBinder_Class_getDescriptor(AIBinder_getClass(binder.get())),
+                 "vendor.zarel.hardware.cwb.ICwbCallback");
     int32_t version = 0;
     std::string hash;
     EXPECT_TRUE(callback->getInterfaceVersion(&version).isOk());

@@ -1,6 +1,7 @@
 // The cwb command-line client, run in-process against the service on the simulated phone: the
 // output of every sub-command and the exit status for malformed arguments and a missing service.
 #include <CwbMain.h>
+#include <host/binder_process.h>
 
 #include <cstdio>
 #include <sstream>
@@ -41,8 +42,9 @@ std::string readAll(FILE* f) {
     return text;
 }
 
-// Runs "cwb ARGS" in-process and returns its exit status and what it printed.
+// Runs "cwb ARGS" as its own client process and returns its exit status and what it printed.
 int run(std::vector<std::string> args, std::string* out, std::string* err) {
+    host::binder::ProcessScope in(host::binder::newProcess("cwb"));
     args.insert(args.begin(), "cwb");
     std::vector<char*> argv;
     for (std::string& w : args) argv.push_back(w.data());

@@ -249,8 +249,8 @@ TEST_F(DeviceTest, BindersAnswerOnlyAsTheirOwnInterface) {
     EXPECT_EQ(config::IDisplayConfig::fromBinder(binder), nullptr);
     EXPECT_EQ(config::IDisplayConfigCallback::fromBinder(vendor->asBinder()), nullptr);
     EXPECT_EQ(config::IDisplayConfigCallback::fromBinder(ndk::SpAIBinder()), nullptr);
-    EXPECT_EQ(binder.get()->descriptor,
-              "vendor.qti.hardware.display.config.IDisplayConfigCallback");
+    EXPECT_STREQ(AIBinder_Class_getDescriptor(AIBinder_getClass(binder.get())),
+                 "vendor.qti.hardware.display.config.IDisplayConfigCallback");
     int32_t version = 0;
     EXPECT_TRUE(callback->getInterfaceVersion(&version).isOk());
     EXPECT_EQ(version, 13);

@@ -1,6 +1,7 @@
 // dumpsys output through the registered binder: counters and the last requests after a scripted
 // session, and a dump that does not wait behind a capture in flight.
 #include <android/binder_ibinder.h>
+#include <host/binder_process.h>
 #include <sys/mman.h>
 #include <unistd.h>
 #include <utils/Timers.h>
@@ -16,8 +17,9 @@
 namespace cwbtest {
 namespace {
 
-// What dumpsys would print, taken through the binder the service registered.
+// What dumpsys would print, taken from its own process through the binder the service registered.
 std::string dumpsys(const char* arg = nullptr) {
+    host::binder::ProcessScope in(host::binder::newProcess("dumpsys"));
     ndk::SpAIBinder binder = host::binder::lookup("vendor.zarel.hardware.cwb.ICwbService/default");
     if (binder.get() == nullptr) return "no service";
     ndk::ScopedFileDescriptor fd(memfd_create("dumpsys", MFD_CLOEXEC));

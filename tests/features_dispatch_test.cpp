@@ -56,17 +56,17 @@ TEST_F(DispatchTest, IdsWithoutAnAnswer) {
         const std::string n = std::to_string(id);
         EXPECT_LT(a.elapsed, milliseconds(45));  // no interval, so no wait
         EXPECT_EQ(3, peer->displayId());
-        // Out of range: refused before the answer is touched. 3: the secondary feature without a
-        // secondary display. Others: unhandled, an empty answer and the error left alone.
+        // Out of range, 3 without a secondary display, and the ids with no feature: all refused,
+        // with an empty answer whatever the caller's list held.
         const bool outside = id < 1 || id > 14;
-        EXPECT_EQ(outside || id == 3 ? Error::INVALID_ARGUMENT : Error::SCREEN_OFF, a.error);
-        EXPECT_EQ((outside ? std::vector<int32_t>{7, 8, 9} : std::vector<int32_t>{}), a.values);
+        EXPECT_EQ(Error::INVALID_ARGUMENT, a.error);
+        EXPECT_EQ(std::vector<int32_t>{}, a.values);
         EXPECT_EQ((outside   ? Lines{{kE, "getCwbValue error ID = " + n}}
                    : id == 3 ? Lines{{kI, "MORVIK_AI::CWB_RGB_VALUE_SEC::in_featureId=3"},
                                      {kE, "getCwbValue error ID = -1"}}
                              : Lines{{kE, "getCwbValue default, no choice!"},
                                      {kE, "getCwbValue failed FeatureId = " + n +
-                                                  ", _aidl_return = 3"}}),
+                                                  ", _aidl_return = 2"}}),
                   logged());
     }
     EXPECT_TRUE(device->displayConfig()->requests().empty());

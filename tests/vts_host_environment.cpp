@@ -1,6 +1,8 @@
 // Host side of the interface tests in interface/vts: before each of them, boots the service on a
 // simulated phone with its main display on, where they find it through the service manager as on
-// a device; afterwards takes the phone down again.
+// a device, from a client process of their own; afterwards takes the phone down again.
+#include <host/binder_process.h>
+
 #include <memory>
 #include <string>
 
@@ -30,16 +32,19 @@ class SimulatedPhoneForInterfaceTests : public ::testing::EmptyTestEventListener
         }
         mPhone = std::make_unique<Phone>();
         mPhone->up();
+        mClient = std::make_unique<host::binder::ProcessScope>(host::binder::newProcess("vts"));
     }
 
     void OnTestEnd(const ::testing::TestInfo& /*test*/) override {
         if (mPhone == nullptr) return;
+        mClient.reset();
         mPhone->down();
         mPhone.reset();
     }
 
   private:
     std::unique_ptr<Phone> mPhone;
+    std::unique_ptr<host::binder::ProcessScope> mClient;
 };
 
 // gtest owns and deletes the listener.

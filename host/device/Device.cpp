@@ -75,7 +75,7 @@ bool Device::setVendorPresent(bool present) {
     } else if (mVendorPresent) {
         // Leave alone whatever someone else registered in our place.
         ndk::SpAIBinder current = host::binder::lookup(SimulatedDisplayConfig::kInstance);
-        if (current.get() != nullptr && current.get()->local == mConfig) {
+        if (current.get() != nullptr && current == mConfig->asBinder()) {
             host::binder::removeService(SimulatedDisplayConfig::kInstance);
         }
     }

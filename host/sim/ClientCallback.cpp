@@ -4,19 +4,18 @@
 
 namespace cwbsim {
 
-ClientCallback::ClientCallback(std::string name, Printer* printer)
-    : mName(std::move(name)), mPrinter(printer) {}
+ClientCallback::ClientCallback(std::string name, Sink sink)
+    : mName(std::move(name)), mSink(std::move(sink)) {}
 
 ndk::ScopedAStatus ClientCallback::notifyCwbStatus(bool status) {
-    if (mDead) return ndk::ScopedAStatus::fromStatus(STATUS_DEAD_OBJECT);
     std::lock_guard<std::mutex> lock(mMutex);
-    if (mPrinter != nullptr) mPrinter->event(mName, status);
+    if (mSink) mSink(mName, status);
     return ndk::ScopedAStatus::ok();
 }
 
 void ClientCallback::detach() {
     std::lock_guard<std::mutex> lock(mMutex);
-    mPrinter = nullptr;
+    mSink = nullptr;
 }
 
 }  // namespace cwbsim

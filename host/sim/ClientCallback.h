@@ -1,33 +1,30 @@
-// A named client's ICwbCallback. It prints every notification it receives; once marked dead it
-// fails its calls as the binder of a client process that has gone away does.
+// A named client's ICwbCallback, living in that client's process. It hands every notification it
+// receives to a sink, which the simulator prints in the order the service sent them.
 #pragma once
 
 #include <aidl/vendor/zarel/hardware/cwb/BnCwbCallback.h>
 
-#include <atomic>
+#include <functional>
 #include <mutex>
 #include <string>
-
-#include "Printer.h"
 
 namespace cwbsim {
 
 class ClientCallback : public aidl::vendor::zarel::hardware::cwb::BnCwbCallback {
   public:
-    ClientCallback(std::string name, Printer* printer);
+    using Sink = std::function<void(const std::string& name, bool status)>;
+    ClientCallback(std::string name, Sink sink);
 
     ndk::ScopedAStatus notifyCwbStatus(bool status) override;
 
     const std::string& name() const { return mName; }
-    void setDead(bool dead) { mDead = dead; }
-    // The printer is going away: later notifications are still answered but not printed.
+    // The sink is going away: later notifications are still answered but go nowhere.
     void detach();
 
   private:
     const std::string mName;
-    std::atomic<bool> mDead{false};
     std::mutex mMutex;
-    Printer* mPrinter;  // guarded by mMutex
+    Sink mSink;  // guarded by mMutex
 };
 
 }  // namespace cwbsim

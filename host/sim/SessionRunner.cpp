@@ -4,6 +4,7 @@
 #include <CwbServiceTestPeer.h>
 #include <android/binder_manager.h>
 #include <cutils/properties.h>
+#include <host/binder_process.h>
 #include <host/binder_registry.h>
 #include <host/gralloc_control.h>
 #include <host/log_capture.h>
@@ -113,6 +114,7 @@ void SessionRunner::tearDown() {
     host::log::setListener(nullptr);
     for (auto& [name, callback] : mCallbacks) callback->detach();
     mClient.reset();
+    mClients.clear();  // the client processes exit
     // The composer's proxy and the registry hold the last references: the service goes here,
     // before the vendor whose completions it may still be owed.
     mComposer.reset();
@@ -121,6 +123,7 @@ void SessionRunner::tearDown() {
     mDevice.reset();
     mRegion.reset();
     mCallbacks.clear();
+    mCallbackBinders.clear();
     host::properties::clear();
 }
 
@@ -156,6 +159,7 @@ bool SessionRunner::step(const Command& c) {
 }
 
 bool SessionRunner::finish() {
+    settle();
     if (!mFrameApplied && !applyCommandLineFrame()) return false;
     if (mExpects > 0) {
         std::string lines;
@@ -221,9 +225,17 @@ bool SessionRunner::execute(const Command& c, std::string* note) {
         case Op::Boot:
             return boot(note);
         case Op::Host:
-            return host(c);
+            if (!host(c)) return false;
+            settle();
+            return true;
         case Op::ClientState:
-            callback(c.str)->setDead(!c.present);
+            // A client that dies is its process exiting: its callback's binder answers
+            // DEAD_OBJECT from then on. A process that has died does not come back.
+            if (!c.present) {
+                host::binder::kill(*client(c.str).process);
+            } else if (!host::binder::isAlive(*client(c.str).process)) {
+                return fail("client " + c.str + ": its process has died and cannot come back");
+            }
             return true;
         case Op::Call:
             return call(c);
@@ -240,9 +252,9 @@ bool SessionRunner::execute(const Command& c, std::string* note) {
 bool SessionRunner::boot(std::string* note) {
     for (const auto& [name, value] : mOptions.props) host::properties::set(name, value);
     if (mComposer->boot() != 0) return fail("CwbProxy::initialize() failed");
-    ndk::SpAIBinder binder(AServiceManager_checkService(instanceName().c_str()));
-    mClient = cwb::ICwbService::fromBinder(binder);
-    if (mClient == nullptr) return fail("the service is not registered as " + instanceName());
+    if (client("").service == nullptr) {
+        return fail("the service is not registered as " + instanceName());
+    }
     mServedDisplay = displayIdProperty(kDisplayIdProp);
     if (mReport != nullptr) {
         for (const auto& [name, value] : mOptions.props)
@@ -374,11 +386,42 @@ bool SessionRunner::fileWeights(const Command& c) {
     return true;
 }
 
+SessionRunner::Client& SessionRunner::client(const std::string& name) {
+    Client& c = mClients[name];
+    if (c.process == nullptr) c.process = host::binder::newProcess(name.empty() ? "cwb-sim" : name);
+    if (c.service == nullptr) {
+        host::binder::ProcessScope in(c.process);
+        c.service = cwb::ICwbService::fromBinder(
+                ndk::SpAIBinder(AServiceManager_checkService(instanceName().c_str())));
+    }
+    return c;
+}
+
+void SessionRunner::settle() {
+    for (auto& [name, c] : mClients) host::binder::waitIdle(*c.process);
+    std::vector<Event> events;
+    {
+        std::lock_guard<std::mutex> lock(mEventMutex);
+        events.swap(mEvents);
+    }
+    // Each client runs its notifications on its own threads; the service sent them in order.
+    std::stable_sort(events.begin(), events.end(),
+                     [](const Event& a, const Event& b) { return a.sent < b.sent; });
+    for (const Event& e : events) mPrinter.event(e.client, e.status);
+}
+
 std::shared_ptr<ClientCallback> SessionRunner::callback(const std::string& name) {
     auto it = mCallbacks.find(name);
     if (it != mCallbacks.end()) return it->second;
-    auto created = ndk::SharedRefBase::make<ClientCallback>(name, &mPrinter);
+    auto created = ndk::SharedRefBase::make<ClientCallback>(
+            name, [this](const std::string& who, bool status) {
+                std::lock_guard<std::mutex> lock(mEventMutex);
+                mEvents.push_back({host::binder::currentTransaction(), who, status});
+            });
     mCallbacks.emplace(name, created);
+    // The callback's binder belongs to its client's process, which keeps it while it lives.
+    host::binder::ProcessScope in(client(name).process);
+    mCallbackBinders.emplace(name, created->asBinder());
     return created;
 }
 
@@ -388,8 +431,14 @@ bool SessionRunner::call(const Command& c) {
     r.line = c.line;
     r.request = c.text;
     const std::string& m = c.verb;
+    // The session's process makes every call; a named client's callback lives in its own.
+    Client& caller = client("");
+    if (caller.service == nullptr)
+        return fail("the service is not registered as " + instanceName());
+    host::binder::ProcessScope in(caller.process);
+    mClient = caller.service;
     cwb::Error error = cwb::Error::NONE;
-    ndk::ScopedAStatus status;
+    ndk::ScopedAStatus status = ndk::ScopedAStatus::ok();
     if (m == "getRGBValue") {
         cwb::Rgb rgb;
         status = mClient->getRGBValue(c.rect, &rgb, &error);
@@ -466,6 +515,7 @@ bool SessionRunner::call(const Command& c) {
             mAnswers.push_back({c.line, std::array<int, 3>{v[0], v[1], v[2]}, {}});
         }
     }
+    settle();
     mPrinter.call(r);
     mLastCall = r;
     return true;
@@ -484,7 +534,7 @@ bool SessionRunner::shared(const Command& c, CallRecord* r, ndk::ScopedAStatus* 
                 return fail("initializeSharedMemory: cannot create the client's region: " + why);
             }
         }
-        // In-process calls pass the descriptor itself; the client keeps owning it.
+        // The call sends a duplicate; the client keeps owning its descriptor.
         ndk::ScopedFileDescriptor fd(fresh ? fresh->fd() : -1);
         *status = mClient->initializeSharedMemory(
                 0, c.present ? static_cast<int32_t>(c.nums[0]) : 0, fd, &error);

@@ -11,9 +11,12 @@
 #include <device/Composer.h>
 #include <device/Device.h>
 
+#include <host/binder_process.h>
 #include <atomic>
+
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <thread>
@@ -74,6 +77,15 @@ class SessionRunner {
     std::pair<int, int> panelSize(host::device::PanelId panel) const;
     std::optional<host::device::PanelId> panelOfDisplay(int64_t display) const;
     std::shared_ptr<ClientCallback> callback(const std::string& name);
+    // A client process with its proxy of the service: the session's own ("") or a named client's.
+    struct Client {
+        std::shared_ptr<host::binder::Process> process;
+        std::shared_ptr<aidl::vendor::zarel::hardware::cwb::ICwbService> service;
+    };
+    Client& client(const std::string& name);
+    // Waits until every client has run the oneway calls sent to it, so that their lines come
+    // before the row of the request that caused them.
+    void settle();
     // Marks the rectangle a request analysed, in capture-buffer pixels, for snapshots.
     void recordRect(const CallRecord& r, const Rect& rect);
     std::string resolve(const std::string& path) const;
@@ -90,8 +102,17 @@ class SessionRunner {
     std::unique_ptr<host::device::Device> mDevice;
     std::unique_ptr<SnapshotRecorder> mRecorder;
     std::unique_ptr<host::device::Composer> mComposer;
-    std::shared_ptr<aidl::vendor::zarel::hardware::cwb::ICwbService> mClient;
+    std::map<std::string, Client> mClients;
+    struct Event {
+        uint64_t sent;  // the transaction's number: the order the service sent them in
+        std::string client;
+        bool status;
+    };
+    std::mutex mEventMutex;
+    std::vector<Event> mEvents;  // guarded by mEventMutex; printed by settle()
+    std::shared_ptr<aidl::vendor::zarel::hardware::cwb::ICwbService> mClient;  // the calling one
     std::map<std::string, std::shared_ptr<ClientCallback>> mCallbacks;
+    std::map<std::string, ndk::SpAIBinder> mCallbackBinders;
     std::unique_ptr<SharedRegion> mRegion;
     PanelPicture mPictures[2][2];  // [panel][kind]
     bool mFrameApplied = false;

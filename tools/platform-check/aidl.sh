@@ -81,6 +81,14 @@ else
     fail interface/vendor "$(cat "$work/aidl.log")"
 fi
 
+# The generated code checked in under host/aidl/ is exactly what the tree's compiler makes.
+if host/aidl/generate.sh "$root" "$work/checked-in" >"$work/aidl.log" 2>&1; then
+    diff -r "$work/checked-in" host/aidl -x generate.sh >"$work/diff.log" ||
+        fail host/aidl "differs from what host/aidl/generate.sh makes: $(cat "$work/diff.log")"
+else
+    fail host/aidl/generate.sh "$(cat "$work/aidl.log")"
+fi
+
 # The interfaces the product imports, each version it may build against.
 common="$common_aidl/aidl_api/android.hardware.common/2"
 generate "$common_aidl" android.hardware.common 2

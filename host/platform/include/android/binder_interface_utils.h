@@ -1,10 +1,12 @@
-// Host stand-in for <android/binder_interface_utils.h>: SharedRefBase, ICInterface, BnCInterface.
+// Host stand-in for <android/binder_interface_utils.h>: SharedRefBase, ICInterface and the base
+// classes of generated stubs (BnCInterface) and proxies (BpCInterface).
 #pragma once
 
 #include <android/binder_auto_utils.h>
 #include <android/binder_ibinder.h>
 
 #include <memory>
+#include <mutex>
 #include <utility>
 
 namespace ndk {
@@ -45,6 +47,36 @@ class ICInterface : public SharedRefBase {
     virtual binder_status_t dump(int /*fd*/, const char** /*args*/, uint32_t /*numArgs*/) {
         return STATUS_OK;
     }
+
+    // A class whose local binders hold a strong reference to their interface object.
+    static inline AIBinder_Class* defineClass(const char* interfaceDescriptor,
+                                              AIBinder_Class_onTransact onTransact) {
+        AIBinder_Class* clazz = AIBinder_Class_define(interfaceDescriptor, Data::onCreate,
+                                                      Data::onDestroy, onTransact);
+        if (clazz != nullptr) AIBinder_Class_setOnDump(clazz, Data::onDump);
+        return clazz;
+    }
+    // The local object behind binder, or null for a proxy or a binder of a foreign class.
+    static inline std::shared_ptr<ICInterface> asInterface(AIBinder* binder) {
+        if (binder == nullptr) return nullptr;
+        void* userData = AIBinder_getUserData(binder);
+        if (userData == nullptr) return nullptr;
+        return static_cast<Data*>(userData)->interface;
+    }
+
+  private:
+    struct Data {
+        std::shared_ptr<ICInterface> interface;
+        static void* onCreate(void* args) {
+            return new Data{static_cast<ICInterface*>(args)->ref<ICInterface>()};
+        }
+        static void onDestroy(void* userData) { delete static_cast<Data*>(userData); }
+        static binder_status_t onDump(AIBinder* binder, int fd, const char** args,
+                                      uint32_t numArgs) {
+            std::shared_ptr<ICInterface> object = asInterface(binder);
+            return object != nullptr ? object->dump(fd, args, numArgs) : STATUS_UNEXPECTED_NULL;
+        }
+    };
 };
 
 template <typename INTERFACE>
@@ -53,13 +85,41 @@ class BnCInterface : public INTERFACE {
     BnCInterface() = default;
     ~BnCInterface() override = default;
 
-    // Each call makes a fresh in-process binder holding the object; identity of the binder itself
-    // is never relied on, only the object behind it.
-    SpAIBinder asBinder() final { return createBinder(); }
+    // The same binder while anyone holds it, so that its identity means this object.
+    SpAIBinder asBinder() final {
+        std::lock_guard<std::mutex> lock(mMutex);
+        SpAIBinder binder;
+        if (mWeakBinder.get() != nullptr) binder.set(AIBinder_Weak_promote(mWeakBinder.get()));
+        if (binder.get() == nullptr) {
+            binder = createBinder();
+            mWeakBinder.set(AIBinder_Weak_new(binder.get()));
+        }
+        return binder;
+    }
     bool isRemote() final { return false; }
 
   protected:
     virtual SpAIBinder createBinder() = 0;
+
+  private:
+    std::mutex mMutex;
+    ScopedAIBinder_Weak mWeakBinder;
+};
+
+template <typename INTERFACE>
+class BpCInterface : public INTERFACE {
+  public:
+    explicit BpCInterface(const SpAIBinder& binder) : mBinder(binder) {}
+    ~BpCInterface() override = default;
+
+    SpAIBinder asBinder() final { return mBinder; }
+    bool isRemote() final { return AIBinder_isRemote(mBinder.get()); }
+    binder_status_t dump(int fd, const char** args, uint32_t numArgs) override {
+        return AIBinder_dump(asBinder().get(), fd, args, numArgs);
+    }
+
+  private:
+    SpAIBinder mBinder;
 };
 
 }  // namespace ndk

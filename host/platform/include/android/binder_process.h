@@ -1,5 +1,6 @@
-// Host stand-in for <android/binder_process.h>. Calls are direct here, so there is no thread pool
-// to start; a client that starts one on a device to receive callbacks works unchanged.
+// Host stand-in for <android/binder_process.h>: the binder thread pool of the calling thread's
+// host process (see <host/binder_process.h>). Its threads start as transactions arrive, up to the
+// maximum; starting the pool starts all of them at once.
 #pragma once
 
 #include <cstdint>

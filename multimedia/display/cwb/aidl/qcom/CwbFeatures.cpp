@@ -44,15 +44,16 @@ void appendTime(std::vector<int32_t>* values, int64_t time) {
 
 ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
                                            std::vector<int32_t>* values, Error* _aidl_return) {
-    // No result word: a feature id without a branch leaves it unset. The nested request has one.
+    // The nested request counts the result word of the analysis it runs.
     CwbStats::Request request(mStats, CwbStats::Method::getCwbValue, &rect, nullptr, featureId);
     request.watch(values);
+    // Across binder the out-array arrives as zeros of the client's length: it is never input.
+    values->clear();
     if (featureId < kFeatureIdFirst || featureId > kFeatureIdLast) {
         ALOGE("%s error ID = %d", "getCwbValue", featureId);
         *_aidl_return = Error::INVALID_ARGUMENT;
         return ndk::ScopedAStatus::ok();
     }
-    values->clear();
     // The display this request serves, chosen once; mDisplayId keeps the choice for later calls.
     int32_t displayId = mDisplayId;
     auto rgbStep = [&]() {
@@ -98,7 +99,10 @@ ndk::ScopedAStatus CwbService::getCwbValue(int32_t featureId, const Rect& rect,
             rgbStep();
             break;
         default:
+            // An id in range with no feature behind it: refused like an id out of range, so that
+            // the client never receives the stub's uninitialised result.
             ALOGE("%s default, no choice!", "getCwbValue");
+            *_aidl_return = Error::INVALID_ARGUMENT;
             break;
     }
     if (values->empty()) {
@@ -258,7 +262,9 @@ ndk::ScopedAStatus CwbService::initializeSharedMemory(int32_t /*id*/, int32_t si
         ALOGE("MORVIK_AI::Invalid in_fd received");
         return ndk::ScopedAStatus::fromServiceSpecificError(-1);
     }
-    if (mSharedMemory.mapped() && descriptor == mSharedMemory.fd()) {
+    // The same region is the same file: the descriptor is the stub's duplicate, its number
+    // reused from call to call.
+    if (mSharedMemory.mapped() && mSharedMemory.maps(descriptor)) {
         *_aidl_return = Error::NONE;
         return ndk::ScopedAStatus::ok();
     }
@@ -301,6 +307,7 @@ ndk::ScopedAStatus CwbService::getSharedData(int32_t featureId, const Rect& rect
         mAiRect = checked;
     }
     const bool reached = mScreenCountReached;
+    values->clear();
     values->push_back(reached ? 1 : 0);
     values->push_back(checked.right - checked.left);
     values->push_back(checked.bottom - checked.top);
@@ -431,8 +438,7 @@ ndk::ScopedAStatus CwbService::getScreenResolution(int32_t /*id*/, std::vector<i
             width = static_cast<int32_t>(mCwbBufferHandle.width);
         }
     }
-    values->push_back(height);
-    values->push_back(width);
+    values->assign({height, width});
     ALOGI("MORVIK_AI::CwbService::getScreenResolution resolution height=%d || width=%d", height,
           width);
     *_aidl_return = Error::NONE;

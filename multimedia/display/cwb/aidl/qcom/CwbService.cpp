@@ -193,10 +193,14 @@ ndk::ScopedAStatus CwbService::unregisterCallback(const std::shared_ptr<ICwbCall
                                                   Error* _aidl_return) {
     CwbStats::Request request(mStats, CwbStats::Method::unregisterCallback, nullptr, _aidl_return);
     std::vector<std::shared_ptr<ICwbCallback>> removed;  // released after the lock
+    // A callback is its binder: the stub makes a new proxy object for each call, while the
+    // binder a client's callback arrives as is the same every time within this process.
+    const ndk::SpAIBinder binder = callback != nullptr ? callback->asBinder() : ndk::SpAIBinder();
     {
         std::lock_guard<std::mutex> lock(mCallbackMutex);
         for (auto it = mCallbacks.begin(); it != mCallbacks.end();) {
-            if (it->second.get() == callback.get()) {
+            if (it->second == callback ||
+                (binder.get() != nullptr && it->second->asBinder().get() == binder.get())) {
                 removed.push_back(std::move(it->second));
                 it = mCallbacks.erase(it);
             } else {

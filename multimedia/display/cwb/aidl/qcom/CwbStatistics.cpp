@@ -290,7 +290,7 @@ ndk::ScopedAStatus CwbService::getLumasValue(const Rect& rect, std::vector<float
     request.watch(lumas);
     float luma = 0.0f;
     *_aidl_return = lumaRequest(mDisplayId, rect, &luma);
-    lumas->push_back(luma);
+    lumas->assign(1, luma);
     return ndk::ScopedAStatus::ok();
 }
 

@@ -81,9 +81,18 @@ int SharedMemoryRegion::map(int fd, size_t size) {
         close(owned);
         return error;
     }
+    struct stat st {};
+    if (fstat(owned, &st) != 0) {
+        const int error = errno;
+        munmap(address, size);
+        close(owned);
+        return error;
+    }
     mAddress = address;
     mLength = size;
     mFd = fd;
+    mDevice = st.st_dev;
+    mInode = st.st_ino;
     mOwnedFd = owned;
     mSealed = sealed;
     // An ashmem region cannot be resized once mapped; a sealed file cannot shrink.
@@ -102,6 +111,12 @@ int SharedMemoryRegion::unmap() {
     mSealed = false;
     mShrinkable = false;
     return result;
+}
+
+bool SharedMemoryRegion::maps(int fd) const {
+    struct stat st {};
+    return mAddress != nullptr && fstat(fd, &st) == 0 && st.st_dev == mDevice &&
+           st.st_ino == mInode;
 }
 
 size_t SharedMemoryRegion::backedLength() const {

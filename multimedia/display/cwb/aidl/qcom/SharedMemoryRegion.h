@@ -1,15 +1,17 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
 
 namespace aidl::vendor::zarel::hardware::cwb::implementation {
 
 // A client's shared-memory file mapped into the service. Keeps the mapping with its length, the
-// client's descriptor number (to recognise a repeated initialisation) and a duplicate of the
-// descriptor, so that the file's size can be checked again before a copy and a file the client can
-// still shrink is written through the descriptor. A store into the mapping of a page the file no
-// longer backs is a SIGBUS in the composer.
+// file's identity (to recognise a repeated initialisation), the descriptor number it came with (for
+// the log lines) and a duplicate of the descriptor, so that the file's size can be checked again
+// before a copy and a file the client can still shrink is written through the descriptor. A store
+// into the mapping of a page the file no longer backs is a SIGBUS in the composer.
 class SharedMemoryRegion {
   public:
     SharedMemoryRegion() = default;
@@ -27,8 +29,10 @@ class SharedMemoryRegion {
     bool mapped() const { return mAddress != nullptr; }
     uint8_t* address() const { return static_cast<uint8_t*>(mAddress); }
     size_t length() const { return mLength; }
-    // The client's descriptor number, -1 when nothing is mapped.
+    // The descriptor number the region was mapped from, -1 when nothing is mapped.
     int fd() const { return mFd; }
+    // Whether fd refers to the mapped file (same device and inode), whatever its number.
+    bool maps(int fd) const;
     bool sealed() const { return mSealed; }
     // Bytes from the start of the mapping that the file still backs: the whole length when the
     // file is sealed, otherwise what its current size covers (0 when it cannot be told).
@@ -47,6 +51,8 @@ class SharedMemoryRegion {
     size_t mLength = 0;
     int mFd = -1;
     int mOwnedFd = -1;
+    dev_t mDevice = 0;
+    ino_t mInode = 0;
     bool mSealed = false;
     bool mShrinkable = false;  // an unsealed regular file: written through mOwnedFd
 };

@@ -1,41 +1,64 @@
-// Host equivalent of the NDK code generated from vendor/zarel/hardware/cwb/Histogram.aidl.
+/*
+ * This file is auto-generated.  DO NOT MODIFY.
+ * Using: out/host/linux-x86/bin/aidl --lang=ndk --structured --stability vintf --min_sdk_version current --version 2 --hash 66cb995013d438e57677eaddc53511c45fda14dd -I interface/aidl_api/vendor.zarel.hardware.cwb/2 -h host/aidl/include -o host/aidl/src interface/aidl_api/vendor.zarel.hardware.cwb/2/vendor/zarel/hardware/cwb/Histogram.aidl
+ */
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <sstream>
+#include <memory>
+#include <optional>
 #include <string>
+#include <vector>
+#include <android/binder_interface_utils.h>
+#include <android/binder_parcelable_utils.h>
+#include <android/binder_to_string.h>
+#ifdef BINDER_STABILITY_SUPPORT
+#include <android/binder_stability.h>
+#endif  // BINDER_STABILITY_SUPPORT
 
 namespace aidl {
 namespace vendor {
 namespace zarel {
 namespace hardware {
 namespace cwb {
+class Histogram {
+public:
+  typedef std::false_type fixed_size;
+  static const char* descriptor;
 
-struct Histogram {
-    static const char* descriptor;
+  std::array<int32_t, 768> counts = {{}};
 
-    // Level-major: counts[3 * level + channel], channel 0 red, 1 green, 2 blue.
-    std::array<int32_t, 768> counts = {};
+  binder_status_t readFromParcel(const AParcel* parcel);
+  binder_status_t writeToParcel(AParcel* parcel) const;
 
-    inline bool operator==(const Histogram& rhs) const { return counts == rhs.counts; }
-    inline bool operator<(const Histogram& rhs) const { return counts < rhs.counts; }
-    inline bool operator!=(const Histogram& rhs) const { return !(*this == rhs); }
-    inline bool operator>(const Histogram& rhs) const { return rhs < *this; }
-    inline bool operator>=(const Histogram& rhs) const { return !(*this < rhs); }
-    inline bool operator<=(const Histogram& rhs) const { return !(rhs < *this); }
+  inline bool operator==(const Histogram& _rhs) const {
+    return std::tie(counts) == std::tie(_rhs.counts);
+  }
+  inline bool operator<(const Histogram& _rhs) const {
+    return std::tie(counts) < std::tie(_rhs.counts);
+  }
+  inline bool operator!=(const Histogram& _rhs) const {
+    return !(*this == _rhs);
+  }
+  inline bool operator>(const Histogram& _rhs) const {
+    return _rhs < *this;
+  }
+  inline bool operator>=(const Histogram& _rhs) const {
+    return !(*this < _rhs);
+  }
+  inline bool operator<=(const Histogram& _rhs) const {
+    return !(_rhs < *this);
+  }
 
-    inline std::string toString() const {
-        std::ostringstream os;
-        os << "Histogram{counts: [";
-        for (size_t i = 0; i < counts.size(); ++i) {
-            os << (i == 0 ? "" : ", ") << counts[i];
-        }
-        os << "]}";
-        return os.str();
-    }
+  static const ::ndk::parcelable_stability_t _aidl_stability = ::ndk::STABILITY_VINTF;
+  inline std::string toString() const {
+    std::ostringstream _aidl_os;
+    _aidl_os << "Histogram{";
+    _aidl_os << "counts: " << ::android::internal::ToString(counts);
+    _aidl_os << "}";
+    return _aidl_os.str();
+  }
 };
-
 }  // namespace cwb
 }  // namespace hardware
 }  // namespace zarel

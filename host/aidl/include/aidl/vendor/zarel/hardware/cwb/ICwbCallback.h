@@ -1,40 +1,56 @@
-// Host equivalent of the NDK code generated from vendor/zarel/hardware/cwb/ICwbCallback.aidl.
-// Calls are direct virtual calls on the object behind the binder, so there is no proxy class.
+/*
+ * This file is auto-generated.  DO NOT MODIFY.
+ * Using: out/host/linux-x86/bin/aidl --lang=ndk --structured --stability vintf --min_sdk_version current --version 2 --hash 66cb995013d438e57677eaddc53511c45fda14dd -I interface/aidl_api/vendor.zarel.hardware.cwb/2 -h host/aidl/include -o host/aidl/src interface/aidl_api/vendor.zarel.hardware.cwb/2/vendor/zarel/hardware/cwb/ICwbCallback.aidl
+ */
 #pragma once
-
-#include <android/binder_auto_utils.h>
-#include <android/binder_ibinder.h>
-#include <android/binder_interface_utils.h>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
+#include <android/binder_interface_utils.h>
+#ifdef BINDER_STABILITY_SUPPORT
+#include <android/binder_stability.h>
+#endif  // BINDER_STABILITY_SUPPORT
 
 namespace aidl {
 namespace vendor {
 namespace zarel {
 namespace hardware {
 namespace cwb {
+class ICwbCallbackDelegator;
 
 class ICwbCallback : public ::ndk::ICInterface {
-  public:
-    static const char* descriptor;
-    ICwbCallback();
-    ~ICwbCallback() override;
+public:
+  typedef ICwbCallbackDelegator DefaultDelegator;
+  static const char* descriptor;
+  ICwbCallback();
+  virtual ~ICwbCallback();
 
-    static inline const int32_t version = 2;
-    static inline const std::string hash = "66cb995013d438e57677eaddc53511c45fda14dd";
-    static constexpr uint32_t FIRST_CALL_TRANSACTION = 1;
-    static constexpr uint32_t TRANSACTION_notifyCwbStatus = FIRST_CALL_TRANSACTION + 0;
+  static inline const int32_t version = 2;
+  static inline const std::string hash = "66cb995013d438e57677eaddc53511c45fda14dd";
+  static constexpr uint32_t TRANSACTION_notifyCwbStatus = FIRST_CALL_TRANSACTION + 0;
 
-    // Null for a null binder or one that holds another interface.
-    static std::shared_ptr<ICwbCallback> fromBinder(const ::ndk::SpAIBinder& binder);
-
-    virtual ::ndk::ScopedAStatus notifyCwbStatus(bool in_status) = 0;
-    virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;
-    virtual ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) = 0;
+  static std::shared_ptr<ICwbCallback> fromBinder(const ::ndk::SpAIBinder& binder);
+  static binder_status_t writeToParcel(AParcel* parcel, const std::shared_ptr<ICwbCallback>& instance);
+  static binder_status_t readFromParcel(const AParcel* parcel, std::shared_ptr<ICwbCallback>* instance);
+  static bool setDefaultImpl(const std::shared_ptr<ICwbCallback>& impl);
+  static const std::shared_ptr<ICwbCallback>& getDefaultImpl();
+  virtual ::ndk::ScopedAStatus notifyCwbStatus(bool in_status) = 0;
+  virtual ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) = 0;
+  virtual ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) = 0;
+private:
+  static std::shared_ptr<ICwbCallback> default_impl;
 };
-
+class ICwbCallbackDefault : public ICwbCallback {
+public:
+  ::ndk::ScopedAStatus notifyCwbStatus(bool in_status) override;
+  ::ndk::ScopedAStatus getInterfaceVersion(int32_t* _aidl_return) override;
+  ::ndk::ScopedAStatus getInterfaceHash(std::string* _aidl_return) override;
+  ::ndk::SpAIBinder asBinder() override;
+  bool isRemote() override;
+};
 }  // namespace cwb
 }  // namespace hardware
 }  // namespace zarel

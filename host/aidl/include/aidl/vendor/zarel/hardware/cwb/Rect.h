@@ -1,46 +1,70 @@
-// Host equivalent of the NDK code generated from vendor/zarel/hardware/cwb/Rect.aidl.
+/*
+ * This file is auto-generated.  DO NOT MODIFY.
+ * Using: out/host/linux-x86/bin/aidl --lang=ndk --structured --stability vintf --min_sdk_version current --version 2 --hash 66cb995013d438e57677eaddc53511c45fda14dd -I interface/aidl_api/vendor.zarel.hardware.cwb/2 -h host/aidl/include -o host/aidl/src interface/aidl_api/vendor.zarel.hardware.cwb/2/vendor/zarel/hardware/cwb/Rect.aidl
+ */
 #pragma once
 
 #include <cstdint>
-#include <sstream>
+#include <memory>
+#include <optional>
 #include <string>
-#include <tuple>
+#include <vector>
+#include <android/binder_interface_utils.h>
+#include <android/binder_parcelable_utils.h>
+#include <android/binder_to_string.h>
+#ifdef BINDER_STABILITY_SUPPORT
+#include <android/binder_stability.h>
+#endif  // BINDER_STABILITY_SUPPORT
 
 namespace aidl {
 namespace vendor {
 namespace zarel {
 namespace hardware {
 namespace cwb {
+class Rect {
+public:
+  typedef std::false_type fixed_size;
+  static const char* descriptor;
 
-struct Rect {
-    static const char* descriptor;
+  int32_t left = 0;
+  int32_t top = 0;
+  int32_t right = 0;
+  int32_t bottom = 0;
 
-    int32_t left = 0;
-    int32_t top = 0;
-    int32_t right = 0;
-    int32_t bottom = 0;
+  binder_status_t readFromParcel(const AParcel* parcel);
+  binder_status_t writeToParcel(AParcel* parcel) const;
 
-    inline bool operator==(const Rect& rhs) const {
-        return std::tie(left, top, right, bottom) ==
-               std::tie(rhs.left, rhs.top, rhs.right, rhs.bottom);
-    }
-    inline bool operator<(const Rect& rhs) const {
-        return std::tie(left, top, right, bottom) <
-               std::tie(rhs.left, rhs.top, rhs.right, rhs.bottom);
-    }
-    inline bool operator!=(const Rect& rhs) const { return !(*this == rhs); }
-    inline bool operator>(const Rect& rhs) const { return rhs < *this; }
-    inline bool operator>=(const Rect& rhs) const { return !(*this < rhs); }
-    inline bool operator<=(const Rect& rhs) const { return !(rhs < *this); }
+  inline bool operator==(const Rect& _rhs) const {
+    return std::tie(left, top, right, bottom) == std::tie(_rhs.left, _rhs.top, _rhs.right, _rhs.bottom);
+  }
+  inline bool operator<(const Rect& _rhs) const {
+    return std::tie(left, top, right, bottom) < std::tie(_rhs.left, _rhs.top, _rhs.right, _rhs.bottom);
+  }
+  inline bool operator!=(const Rect& _rhs) const {
+    return !(*this == _rhs);
+  }
+  inline bool operator>(const Rect& _rhs) const {
+    return _rhs < *this;
+  }
+  inline bool operator>=(const Rect& _rhs) const {
+    return !(*this < _rhs);
+  }
+  inline bool operator<=(const Rect& _rhs) const {
+    return !(_rhs < *this);
+  }
 
-    inline std::string toString() const {
-        std::ostringstream os;
-        os << "Rect{left: " << left << ", top: " << top << ", right: " << right
-           << ", bottom: " << bottom << "}";
-        return os.str();
-    }
+  static const ::ndk::parcelable_stability_t _aidl_stability = ::ndk::STABILITY_VINTF;
+  inline std::string toString() const {
+    std::ostringstream _aidl_os;
+    _aidl_os << "Rect{";
+    _aidl_os << "left: " << ::android::internal::ToString(left);
+    _aidl_os << ", top: " << ::android::internal::ToString(top);
+    _aidl_os << ", right: " << ::android::internal::ToString(right);
+    _aidl_os << ", bottom: " << ::android::internal::ToString(bottom);
+    _aidl_os << "}";
+    return _aidl_os.str();
+  }
 };
-
 }  // namespace cwb
 }  // namespace hardware
 }  // namespace zarel

@@ -1,48 +1,70 @@
-// Host equivalent of the NDK code generated from vendor/zarel/hardware/cwb/Rgb.aidl.
+/*
+ * This file is auto-generated.  DO NOT MODIFY.
+ * Using: out/host/linux-x86/bin/aidl --lang=ndk --structured --stability vintf --min_sdk_version current --version 2 --hash 66cb995013d438e57677eaddc53511c45fda14dd -I interface/aidl_api/vendor.zarel.hardware.cwb/2 -h host/aidl/include -o host/aidl/src interface/aidl_api/vendor.zarel.hardware.cwb/2/vendor/zarel/hardware/cwb/Rgb.aidl
+ */
 #pragma once
 
 #include <cstdint>
-#include <sstream>
+#include <memory>
+#include <optional>
 #include <string>
-#include <tuple>
 #include <vector>
+#include <android/binder_interface_utils.h>
+#include <android/binder_parcelable_utils.h>
+#include <android/binder_to_string.h>
+#ifdef BINDER_STABILITY_SUPPORT
+#include <android/binder_stability.h>
+#endif  // BINDER_STABILITY_SUPPORT
 
 namespace aidl {
 namespace vendor {
 namespace zarel {
 namespace hardware {
 namespace cwb {
+class Rgb {
+public:
+  typedef std::false_type fixed_size;
+  static const char* descriptor;
 
-struct Rgb {
-    static const char* descriptor;
+  int32_t r = 0;
+  int32_t g = 0;
+  int32_t b = 0;
+  std::vector<int32_t> extra;
 
-    int32_t r = 0;
-    int32_t g = 0;
-    int32_t b = 0;
-    std::vector<int32_t> extra;
+  binder_status_t readFromParcel(const AParcel* parcel);
+  binder_status_t writeToParcel(AParcel* parcel) const;
 
-    inline bool operator==(const Rgb& rhs) const {
-        return std::tie(r, g, b, extra) == std::tie(rhs.r, rhs.g, rhs.b, rhs.extra);
-    }
-    inline bool operator<(const Rgb& rhs) const {
-        return std::tie(r, g, b, extra) < std::tie(rhs.r, rhs.g, rhs.b, rhs.extra);
-    }
-    inline bool operator!=(const Rgb& rhs) const { return !(*this == rhs); }
-    inline bool operator>(const Rgb& rhs) const { return rhs < *this; }
-    inline bool operator>=(const Rgb& rhs) const { return !(*this < rhs); }
-    inline bool operator<=(const Rgb& rhs) const { return !(rhs < *this); }
+  inline bool operator==(const Rgb& _rhs) const {
+    return std::tie(r, g, b, extra) == std::tie(_rhs.r, _rhs.g, _rhs.b, _rhs.extra);
+  }
+  inline bool operator<(const Rgb& _rhs) const {
+    return std::tie(r, g, b, extra) < std::tie(_rhs.r, _rhs.g, _rhs.b, _rhs.extra);
+  }
+  inline bool operator!=(const Rgb& _rhs) const {
+    return !(*this == _rhs);
+  }
+  inline bool operator>(const Rgb& _rhs) const {
+    return _rhs < *this;
+  }
+  inline bool operator>=(const Rgb& _rhs) const {
+    return !(*this < _rhs);
+  }
+  inline bool operator<=(const Rgb& _rhs) const {
+    return !(_rhs < *this);
+  }
 
-    inline std::string toString() const {
-        std::ostringstream os;
-        os << "Rgb{r: " << r << ", g: " << g << ", b: " << b << ", extra: [";
-        for (size_t i = 0; i < extra.size(); ++i) {
-            os << (i == 0 ? "" : ", ") << extra[i];
-        }
-        os << "]}";
-        return os.str();
-    }
+  static const ::ndk::parcelable_stability_t _aidl_stability = ::ndk::STABILITY_VINTF;
+  inline std::string toString() const {
+    std::ostringstream _aidl_os;
+    _aidl_os << "Rgb{";
+    _aidl_os << "r: " << ::android::internal::ToString(r);
+    _aidl_os << ", g: " << ::android::internal::ToString(g);
+    _aidl_os << ", b: " << ::android::internal::ToString(b);
+    _aidl_os << ", extra: " << ::android::internal::ToString(extra);
+    _aidl_os << "}";
+    return _aidl_os.str();
+  }
 };
-
 }  // namespace cwb
 }  // namespace hardware
 }  // namespace zarel

@@ -28,9 +28,7 @@ class BnDisplayConfig : public ::ndk::BnCInterface<IDisplayConfig> {
 
   protected:
     ::ndk::SpAIBinder createBinder() override {
-        AIBinder* binder = new AIBinder(ref<::ndk::ICInterface>(), descriptor);
-        AIBinder_incStrong(binder);
-        return ::ndk::SpAIBinder(binder);
+        return ::ndk::SpAIBinder(AIBinder_new(IDisplayConfig::clazz(), static_cast<void*>(this)));
     }
 };
 

@@ -28,9 +28,8 @@ class BnDisplayConfigCallback : public ::ndk::BnCInterface<IDisplayConfigCallbac
 
   protected:
     ::ndk::SpAIBinder createBinder() override {
-        AIBinder* binder = new AIBinder(ref<::ndk::ICInterface>(), descriptor);
-        AIBinder_incStrong(binder);
-        return ::ndk::SpAIBinder(binder);
+        return ::ndk::SpAIBinder(
+                AIBinder_new(IDisplayConfigCallback::clazz(), static_cast<void*>(this)));
     }
 };
 

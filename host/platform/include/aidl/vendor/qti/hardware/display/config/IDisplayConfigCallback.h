@@ -33,10 +33,19 @@ class IDisplayConfigCallback : public ::ndk::ICInterface {
     // The host has no frozen dump of this package to hash; any fixed value serves.
     static inline const std::string hash = "host-stand-in";
 
+    // The class of this interface's local binders. The stand-in is never called across a process
+    // boundary (the service lives in the composer's process), so it has no proxy to marshal.
+    static AIBinder_Class* clazz() {
+        static AIBinder_Class* defined = ::ndk::ICInterface::defineClass(
+                descriptor, [](AIBinder*, transaction_code_t, const AParcel*, AParcel*) {
+                    return binder_status_t{STATUS_UNKNOWN_TRANSACTION};
+                });
+        return defined;
+    }
     static std::shared_ptr<IDisplayConfigCallback> fromBinder(const ::ndk::SpAIBinder& binder) {
-        AIBinder* b = binder.get();
-        if (b == nullptr || b->descriptor != descriptor) return nullptr;
-        return std::dynamic_pointer_cast<IDisplayConfigCallback>(b->local);
+        if (!AIBinder_associateClass(binder.get(), clazz())) return nullptr;
+        return std::static_pointer_cast<IDisplayConfigCallback>(
+                ::ndk::ICInterface::asInterface(binder.get()));
     }
 
     virtual ::ndk::ScopedAStatus notifyCWBBufferDone(
