@@ -83,7 +83,7 @@ fi
 
 # The generated code checked in under host/aidl/ is exactly what the tree's compiler makes.
 if host/aidl/generate.sh "$root" "$work/checked-in" >"$work/aidl.log" 2>&1; then
-    diff -r "$work/checked-in" host/aidl -x generate.sh >"$work/diff.log" ||
+    diff -r "$work/checked-in" host/aidl -x generate.sh -x .clang-format >"$work/diff.log" ||
         fail host/aidl "differs from what host/aidl/generate.sh makes: $(cat "$work/diff.log")"
 else
     fail host/aidl/generate.sh "$(cat "$work/aidl.log")"

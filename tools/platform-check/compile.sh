@@ -71,26 +71,45 @@ bp_list() {
     ' "$1"
 }
 
-# compile BUILD_FILE WHAT [EXTRA_FLAG...]: every source its modules list, with their cflags.
+# compile BUILD_FILE WHAT [EXTRA_FLAG...]: every source its modules list, with their cflags, one
+# clang per core; each result is left in WORK/cc/<n>.{src,what,log,rc} for report().
+jobs=0
 compile() {
     local bp="$1" what="$2" dir
     shift 2
     dir="$(dirname "$bp")"
     mapfile -t cflags < <(bp_list "$bp" cflags)
     for src in $(bp_list "$bp" srcs); do
-        if ! clang++ "${common[@]}" "${cflags[@]}" "$@" "${system[@]}" -I "$dir" \
-                "${includes[@]}" "$dir/$src" >"$work/cc.log" 2>&1; then
-            fail "$dir/$src" "does not compile${what:+ ($what)}:"
-            sed 's/^/    /' "$work/cc.log" | head -n 40
-        fi
+        while [ "$(jobs -rp | wc -l)" -ge "$(nproc)" ]; do wait -n || true; done
+        jobs=$((jobs + 1))
+        echo "$dir/$src" >"$work/cc/$jobs.src"
+        echo "$what" >"$work/cc/$jobs.what"
+        (
+            clang++ "${common[@]}" "${cflags[@]}" "$@" "${system[@]}" -I "$dir" \
+                "${includes[@]}" "$dir/$src" >"$work/cc/$jobs.log" 2>&1
+            echo $? >"$work/cc/$jobs.rc"
+        ) &
     done
 }
 
+# The failures in the order the sources were listed.
+report() {
+    wait
+    for ((n = 1; n <= jobs; n++)); do
+        [ "$(cat "$work/cc/$n.rc")" = 0 ] && continue
+        what="$(cat "$work/cc/$n.what")"
+        fail "$(cat "$work/cc/$n.src")" "does not compile${what:+ ($what)}:"
+        sed 's/^/    /' "$work/cc/$n.log" | head -n 40
+    done
+}
+
+mkdir -p "$work/cc"
 for v in $(display_config_versions); do
     compile multimedia/display/cwb/aidl/qcom/Android.bp "display-config V$v" \
         -I "$gen/vendor.qti.hardware.display.config-V$v/include"
 done
 compile multimedia/display/cwb/tool/Android.bp ""
 compile interface/vts/Android.bp ""
+report
 
 exit "$status"
