@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "FuzzBytes.h"
+#include "FuzzEcho.h"
 #include "FuzzSandbox.h"
 
 namespace {
@@ -163,8 +164,7 @@ void event(FuzzBytes& in, host::device::Composer& composer) {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    const char* echo = getenv("CWB_FUZZ_ECHO");
-    host::log::setEcho(echo != nullptr && echo[0] == '1');
+    cwbfuzz::echoLogsWhenAsked();
     phone();
     return 0;
 }

@@ -35,6 +35,7 @@
 #include <vector>
 
 #include "FuzzBytes.h"
+#include "FuzzEcho.h"
 #include "FuzzSandbox.h"
 
 namespace {
@@ -751,8 +752,7 @@ class Session {
 }  // namespace
 
 extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
-    const char* echo = getenv("CWB_FUZZ_ECHO");
-    host::log::setEcho(echo != nullptr && echo[0] == '1');
+    cwbfuzz::echoLogsWhenAsked();
     phone();
     return 0;
 }
